@@ -1,0 +1,5 @@
+#include "environment/Utilities.h"
+
+bool COSUtil::IsWin9x() {
+  return false;
+}

@@ -1,0 +1,11 @@
+#include <cstdarg>
+
+#include "environment/Logging.h"
+#include "environment/default/LogText.h"
+
+void LWarn(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  kestdb::environment::WriteText("WARNING: ", format, arguments);
+  va_end(arguments);
+}

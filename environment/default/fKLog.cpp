@@ -1,0 +1,3 @@
+#include "environment/Logging.h"
+
+FILE* fKLog = stderr;

@@ -1,0 +1,3 @@
+#include "index/dbasekey.h"
+
+DatabaseKeyB::~DatabaseKeyB() = default;

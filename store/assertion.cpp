@@ -1,0 +1,9 @@
+#include "store/assertion.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+void kestdb::FailAssertion(const char* expression, const char* file, int line) {
+  std::fprintf(stderr, "%s:%d: Assertion failed: %s\n", file, line, expression);
+  std::abort();
+}

@@ -1,0 +1,21 @@
+// Private to the library, not installed.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+// What the fixed-layout reports have in common.
+
+namespace kestdb {
+
+/// A line of `width` signs.
+void PrintBar(std::FILE* stream, char sign, int width = 80);
+
+/// The end of a report: a bar of "=", an empty line, and all streams brought out.
+void PrintEnd(std::FILE* stream);
+
+/// Prints `text` cut into pieces of at most `columns`, the first to end the line that was begun,
+/// each other on a line of its own behind `indent` blanks.
+void PrintCut(std::FILE* stream, std::string text, int columns, int indent);
+
+}  // namespace kestdb

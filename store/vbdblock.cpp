@@ -1,0 +1,184 @@
+#include <array>
+#include <cstring>
+
+#include "store/KestErr.h"
+#include "store/crc32.h"
+#include "store/vbdbase.h"
+
+// Blocks and the objects in them: making, freeing, lengths and checksums.
+
+namespace {
+
+/// All that stands before the object of a block.
+struct BlockHeaders {
+  vbBlockHeader block;
+  vbRecordLockHeader lock;
+};
+static_assert(sizeof(BlockHeaders) == sizeof(vbBlockHeader) + sizeof(vbRecordLockHeader));
+
+/// A new block is filled with zeros by the write of its headers when it is no larger than this.
+constexpr unsigned long kFilledAtOnce = 4096;
+
+}  // namespace
+
+void vbDatabase::ReadBlockHdr(vbBlockHeader* header, vbINT32 address) try {
+  Read(header, sizeof *header, address);
+  if (!IsValid(header->CheckWord)) Throw<CSync>();
+}
+LOG_AND_RETHROW
+
+void vbDatabase::WriteBlockHdr(const vbBlockHeader& header, vbINT32 address) try {
+  Write(&header, sizeof header, address, false, true);
+}
+LOG_AND_RETHROW
+
+/// A block that walks can step over: a length that holds its headers and lies within the file.
+bool vbDatabase::IsGoodBlock(const vbBlockHeader& header, long address) const {
+  const long end = address + static_cast<long>(header.Length);
+  if (!IsValid(header.CheckWord) || header.Length < BlockOverhead()) return false;
+  return end <= Length();
+}
+
+/// The header of the good block at `address`; the file is left at its object.
+vbBlockHeader vbDatabase::RequireBlock(long address) {
+  BlockHeaders headers;
+  ReadAt(&headers, VBHeaderSize(), address);
+  if (!IsGoodBlock(headers.block, address)) Throw<CSync>();
+  return headers.block;
+}
+
+/// The block of the object at `address` or, for vbCurrAddress, at the file position.
+vbBlockHeader vbDatabase::RequireObject(vbINT32 address, vbINT32& block) {
+  const vbINT32 object = address == vbCurrAddress ? FilePosition() : address;
+  block = object - static_cast<long>(VBHeaderSize());
+  return RequireBlock(block);
+}
+
+vbINT32 vbDatabase::Alloc(unsigned long size, vbDatabaseReclaimMethod method) try {
+  if (!m_bWriteable) Throw<CFileNotWriteable>();
+  RequireReady();
+  if (size > kLongestFile) return 0;
+  const unsigned long total = BlockOverhead() + size;
+  vbINT32 address = 0;
+  if (m_Header.FreeSpace != 0) {
+    if (method == vbReclaimFirstFit) address = ReclaimFirstFit(total);
+    if (method == vbReclaimBestFit) address = ReclaimBestFit(total);
+  }
+  if (address != 0) {
+    InitBlock(address, total, 0);
+  } else {
+    address = Extend(total);
+    if (address == 0) return 0;
+  }
+  if (address > m_Header.HighestVB) m_Header.HighestVB = address;
+  return SeekTo(address + static_cast<long>(VBHeaderSize()));
+}
+LOG_AND_RETHROW
+
+/// Makes a block at the end of the file; 0 when the file would grow past its longest length. The
+/// file header in memory changes last, so that a failed write leaves no hole between the blocks.
+vbINT32 vbDatabase::Extend(unsigned long bytes) {
+  const long address = m_Header.EndOfFile;
+  const long heap = m_Header.HeapStart;
+  const long end = address + static_cast<long>(bytes);
+  if (end > kLongestFile) return 0;
+  // A header that names a place before the heap or, with blocks in it, behind the file is wrong.
+  if (heap < static_cast<long>(FileHeaderSize()) || address < heap ||
+      (address > heap && address > Length())) {
+    Throw<CFileCorrupt>();
+  }
+  // The file gets its length at once: a small block is filled, a large one gets its last byte.
+  const unsigned long rest = bytes - VBHeaderSize();
+  const bool small = rest <= kFilledAtOnce;
+  if (!small) {
+    const char last = 0;
+    Write(&last, sizeof last, end - 1, false, true);
+  }
+  InitBlock(address, bytes, small ? rest : 0);
+  m_Header.EndOfFile = end;
+  m_Header.HighestVB = address;
+  return address;
+}
+
+/// Writes the headers of a normal block, the record lock free, and `zeros` zero bytes behind them.
+void vbDatabase::InitBlock(vbINT32 address, unsigned long bytes, unsigned long zeros) {
+  std::array<char, sizeof(BlockHeaders) + kFilledAtOnce> image = {};
+  vbBlockHeader header;
+  header.Length = bytes;
+  header.Status = vbNormalBlock;
+  std::memcpy(image.data(), &header, sizeof header);
+  Write(image.data(), VBHeaderSize() + zeros, address, false, true);
+}
+
+bool vbDatabase::Delete(vbINT32 address, bool remove) try {
+  vbINT32 block;
+  vbBlockHeader header = RequireObject(address, block);
+  if (header.StatusLetter() != vbNormalBlock) return false;
+  if (remove) {
+    header.Status = vbRemovedBlock;
+  } else {
+    header.SetStatusLetter(vbDeletedBlock);
+  }
+  if (!m_bWriteable) Throw<CFileNotWriteable>();
+  header.NextDeleted = m_Header.FreeSpace;
+  WriteBlockHdr(header, block);
+  if (m_Header.FreeSpace != vbFSListCorrupt) m_Header.FreeSpace = block;
+  return true;
+}
+LOG_AND_RETHROW
+
+unsigned long vbDatabase::VBLength(vbINT32 address) try {
+  vbINT32 block;
+  return RequireObject(address, block).Length;
+}
+LOG_AND_RETHROW
+
+unsigned long vbDatabase::ObjectLength(vbINT32 address) try {
+  return VBLength(address) - BlockOverhead();
+}
+LOG_AND_RETHROW
+
+vbUINT32 vbDatabase::WriteObjectChecksum(vbINT32 address) try {
+  if (ChecksumSize() == 0 || !IsUsable()) return 0;
+  const vbUINT32 checksum = CalcChecksum(ObjectLength(address), vbCurrAddress, true);
+  Write(&checksum, sizeof checksum, vbCurrAddress, false, true);
+  return checksum;
+}
+LOG_AND_RETHROW
+
+bool vbDatabase::ReadObjectChecksum(vbINT32 address, unsigned long* stored,
+                                    unsigned long* calculated) try {
+  vbUINT32 found;
+  vbUINT32 expected;
+  if (ChecksumSize() != 0 && IsUsable()) {
+    expected = CalcChecksum(ObjectLength(address), vbCurrAddress, true);
+    Read(&found, sizeof found, vbCurrAddress);
+  }
+  if (stored != nullptr) *stored = found;
+  if (calculated != nullptr) *calculated = expected;
+  return found == expected;
+}
+LOG_AND_RETHROW
+
+bool vbDatabase::ReadWholeObject(vbINT32 address, std::vector<char>& object) try {
+  const unsigned long length = ObjectLength(address);
+  object.resize(length + ChecksumSize());
+  Read(object.data(), object.size(), vbCurrAddress);
+  if (ChecksumSize() == 0) return true;
+  vbUINT32 stored;
+  std::memcpy(&stored, object.data() + length, sizeof stored);
+  object.resize(length);
+  return stored == calcCRC32(object.data(), static_cast<unsigned int>(length));
+}
+LOG_AND_RETHROW
+
+void vbDatabase::WriteWholeObject(vbINT32 address, const std::vector<char>& object) try {
+  std::vector<char> image = object;
+  if (ChecksumSize() != 0) {
+    const vbUINT32 checksum = calcCRC32(object.data(), static_cast<unsigned int>(object.size()));
+    const char* bytes = reinterpret_cast<const char*>(&checksum);
+    image.insert(image.end(), bytes, bytes + sizeof checksum);
+  }
+  Write(image.data(), image.size(), address, false, true);
+}
+LOG_AND_RETHROW

@@ -1,0 +1,98 @@
+// Private to the library, not installed.
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+#include "index/KSBKey.h"
+#include "index/vbtree.h"
+#include "maintenance/Lock.h"
+#include "store/KestErr.h"
+#include "store/pod.h"
+
+// Walks over the objects of a class. They go on from what was found before an object is visited,
+// so that the visit may remove it. REQUIRE that the caller holds CLock.
+
+namespace kestdb {
+
+/// Loads the object of that ID; false when there is none, as for an ID that no object can have.
+template <class Class>
+bool LoadByID(Class& object, long id) {
+  object.m_nID = id;
+  return id > 0 && object.m_nID == id && object.GetObject();
+}
+
+/// Visits the objects in the order of their keys, until `visit(object)` returns false.
+template <class Class, class Visit>
+void VisitInIndexOrder(POD* pod, Visit visit) {
+  Class object(pod);
+  vBtree* tree = pod->Index(object.GetVBClassIndex());
+  if (tree == nullptr) Throw<CNullPtr>();
+  KSBKey key;
+  KSBKey work;
+  bool found = tree->FindFirst(key, true);
+  while (found) {
+    const vbINT32 address = key.ObjectAddress;
+    found = tree->FindNext(key, work, true);
+    object.ReadObject(address);
+    if (!visit(object)) return;
+  }
+}
+
+/// Copies of all objects of the class, in the order of their keys.
+template <class Class>
+std::vector<Class> AllObjects(POD* pod) {
+  std::vector<Class> objects;
+  VisitInIndexOrder<Class>(pod, [&objects](const Class& object) {
+    objects.push_back(object);
+    return true;
+  });
+  return objects;
+}
+
+/// Visits the objects in the order in which they lie in the file, until `visit(object)` returns
+/// false.
+template <class Class, class Visit>
+void VisitInFileOrder(POD* pod, Visit visit) {
+  Class object(pod);
+  vbINT32 next = object.FirstObject(0);
+  while (next > 0) {
+    const vbINT32 address = next;
+    next = object.NextObject(address);
+    object.ReadObject(address);
+    if (!visit(object)) return;
+  }
+}
+
+/// Removes all objects of the class; false at the first one that can't be removed.
+template <class Class>
+bool RemoveAllObjects(POD* pod) {
+  bool removed = true;
+  VisitInFileOrder<Class>(pod, [&removed](Class& object) {
+    removed = object.RemoveObject();
+    return removed;
+  });
+  return removed;
+}
+
+/// The IDs of all objects of the class, in the order of their keys.
+template <class Class>
+std::vector<int> AllIDs(POD* pod) {
+  std::vector<int> ids;
+  VisitInIndexOrder<Class>(pod, [&ids](const Class& object) {
+    ids.push_back(static_cast<int>(long{object.m_nID}));
+    return true;
+  });
+  return ids;
+}
+
+/// Removes the objects whose ID is not in `ids`.
+template <class Class>
+void RemoveAllBut(POD* pod, const std::vector<int>& ids) {
+  VisitInIndexOrder<Class>(pod, [&ids](Class& object) {
+    if (std::find(ids.begin(), ids.end(), object.m_nID) == ids.end()) object.RemoveObject();
+    return true;
+  });
+}
+
+}  // namespace kestdb

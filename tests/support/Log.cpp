@@ -1,0 +1,70 @@
+#include "tests/support/Log.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "environment/Logging.h"
+
+namespace {
+
+std::vector<LogEntry>& Entries() {
+  static std::vector<LogEntry> entries;
+  return entries;
+}
+
+void AddPrinted(const char* kind, const char* format, va_list arguments) {
+  char text[4096];
+  std::vsnprintf(text, sizeof text, format, arguments);
+  Entries().push_back({kind, text, "", 0});
+}
+
+}  // namespace
+
+const std::vector<LogEntry>& Log() {
+  return Entries();
+}
+
+void ClearLog() {
+  Entries().clear();
+}
+
+std::string PrintedLog() {
+  std::string all;
+  for (const LogEntry& entry : Entries()) {
+    if (entry.file.empty()) all += entry.text;
+  }
+  return all;
+}
+
+void LNewException(const char* file, int line, const char* message) {
+  Entries().push_back({"LNewException", message, file, line});
+}
+
+void LException(const char* file, int line, const char* what) {
+  Entries().push_back({"LException", what, file, line});
+}
+
+void LGenException(const char* file, int line) {
+  Entries().push_back({"LGenException", "", file, line});
+}
+
+void LError(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  AddPrinted("LError", format, arguments);
+  va_end(arguments);
+}
+
+void LWarn(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  AddPrinted("LWarn", format, arguments);
+  va_end(arguments);
+}
+
+void LPrint(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  AddPrinted("LPrint", format, arguments);
+  va_end(arguments);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// A double of the environment's logging library: a test program with Log.cpp among its sources
+// logs to here in place of the log stream.
+
+/// A line of the log. `kind` is the name of the logging function.
+struct LogEntry {
+  std::string kind;
+  std::string text;  ///< the message, what() or, for LGenException, nothing
+  std::string file;  ///< of the three exception functions
+  int line = 0;
+
+  bool operator==(const LogEntry&) const = default;
+};
+
+/// What was logged since the start of the program or the last ClearLog.
+const std::vector<LogEntry>& Log();
+void ClearLog();
+
+/// The texts of LError, LWarn and LPrint, one after the other.
+std::string PrintedLog();
