@@ -216,11 +216,15 @@ void vBtree::LazyDeleteDatabaseKey(DatabaseKeyB& key, DatabaseKeyB& work) try {
   }
   BtreeNode successor = walk.NewNode();
   vbINT32 child = found.GetBranch(pos);
-  if (child != 0) child = FreeEmptyNodes(walk, successor, child);
+  const bool leaf = child == 0;
+  if (!leaf) child = FreeEmptyNodes(walk, successor, child);
   if (child == 0) {
     // A leaf, or nothing is left on the key's right: the key just goes.
     found.DeleteDatabaseKey(pos);
     WriteNode(found, address);
+    CountEntries(-1);
+    if (leaf) CollapseRoot();
+    if (!leaf && found.IsEmpty() && address == Root) CollapseRoot(found);
   } else {
     successor.LoadKey(key, 0);
     // Kept: in a node above the leaves this lets go of the child that was freed as empty.
@@ -230,9 +234,8 @@ void vBtree::LazyDeleteDatabaseKey(DatabaseKeyB& key, DatabaseKeyB& work) try {
     found.OverWriteDatabaseKey(key, pos);
     WriteNode(found, address);
     WriteNode(successor, child);
+    CountEntries(-1);
   }
-  CountEntries(-1);
-  CollapseRoot();
 }
 LOG_AND_RETHROW
 

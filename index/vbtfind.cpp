@@ -16,6 +16,18 @@ bool Deliver(const BtreeNode& node, vbINT32 i, DatabaseKeyB& key) {
   return true;
 }
 
+/// Hands on the neighbour of `key`. In a damaged tree it may lie on the wrong side, and a caller
+/// who goes from key to key would never come to the end.
+bool DeliverNext(const BtreeNode& node, vbINT32 i, DatabaseKeyB& key, DatabaseKeyB& work) {
+  if (Deliver(node, i, work) && !(work > key)) Throw<CFileCorrupt>();
+  return Deliver(node, i, key);
+}
+
+bool DeliverPrev(const BtreeNode& node, vbINT32 i, DatabaseKeyB& key, DatabaseKeyB& work) {
+  if (Deliver(node, i, work) && !(key > work)) Throw<CFileCorrupt>();
+  return Deliver(node, i, key);
+}
+
 }  // namespace
 
 bool vBtree::Find(DatabaseKeyB& key, DatabaseKeyB& work, bool) try {
@@ -57,12 +69,12 @@ bool vBtree::FindNext(DatabaseKeyB& key, DatabaseKeyB& work, bool) try {
   if (!walk.Descend(node, key, work, address, pos, remember)) return false;
   if (const vbINT32 child = node.GetBranch(pos); child != 0) {
     walk.ReadDown(node, child, false);
-    return Deliver(node, 0, key);
+    return DeliverNext(node, 0, key, work);
   }
-  if (pos < node.KeyCount - 1) return Deliver(node, pos + 1, key);
+  if (pos < node.KeyCount - 1) return DeliverNext(node, pos + 1, key, work);
   if (above == 0) return false;
   ReadNode(node, above);
-  return Deliver(node, abovePos + 1, key);
+  return DeliverNext(node, abovePos + 1, key, work);
 }
 LOG_AND_RETHROW
 
@@ -82,11 +94,11 @@ bool vBtree::FindPrev(DatabaseKeyB& key, DatabaseKeyB& work, bool) try {
   if (!walk.Descend(node, key, work, address, pos, remember)) return false;
   if (const vbINT32 child = node.GetBranch(pos - 1); child != 0) {
     walk.ReadDown(node, child, true);
-    return Deliver(node, node.KeyCount - 1, key);
+    return DeliverPrev(node, node.KeyCount - 1, key, work);
   }
-  if (pos > 0) return Deliver(node, pos - 1, key);
+  if (pos > 0) return DeliverPrev(node, pos - 1, key, work);
   if (above == 0) return false;
   ReadNode(node, above);
-  return Deliver(node, abovePos, key);
+  return DeliverPrev(node, abovePos, key, work);
 }
 LOG_AND_RETHROW

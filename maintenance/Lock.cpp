@@ -153,15 +153,17 @@ void CLock::Hold(POD* pod, long thread) {
   try {
     LoadHeaders();
   } catch (...) {
-    Drop();  // no destructor runs for a lock that was never made
+    // No destructor runs for a lock that was never made. That the directory could not be removed
+    // is in the log; the first failure goes on.
+    kestdb::FirstFailure ignored;
+    ignored.Run([this] { RemoveDirectory(Path); });
+    LetGo();
     throw;
   }
   locked = true;
 }
 
-/// Removes the directory and lets go of the database.
-void CLock::Drop() {
-  RemoveDirectory(Path);
+void CLock::LetGo() {
   Pod->m_bLockHeld = false;
   Pod = nullptr;
   lLockThread = 0;
@@ -201,7 +203,8 @@ void CLock::UnLock() try {
   if (Pod == nullptr) return;
   kestdb::FirstFailure failure;
   failure.Run([this] { StoreHeaders(); });
-  Drop();
+  RemoveDirectory(Path);
+  LetGo();
   failure.Rethrow();
 }
 LOG_AND_RETHROW

@@ -41,7 +41,7 @@ class KESTDB_API CLock {
 
  private:
   void Hold(POD* pod, long thread);
-  void Drop();
+  void LetGo();
   void LoadHeaders() const;
   void StoreHeaders() const;
 };

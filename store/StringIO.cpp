@@ -1,8 +1,5 @@
 #include "store/StringIO.h"
 
-#include <cstring>
-#include <vector>
-
 #include "store/KestErr.h"
 #include "store/RecordIO.h"
 #include "store/vbdbase.h"
@@ -15,9 +12,9 @@ void kestdb::ReadString(vbDatabase& file, std::string& text, vbINT32 address) {
   vbUINT32 length;
   file.Read(&length, sizeof length, address);
   if (static_cast<long>(length) > file.Length()) Throw<CFileCorrupt>();
-  std::vector<char> bytes(length);
+  std::string bytes(length, '\0');
   file.Read(bytes.data(), length, vbCurrAddress);
-  text.assign(bytes.data(), strnlen(bytes.data(), length));
+  text = bytes.c_str();
 }
 
 void kestdb::WriteString(vbDatabase& file, const std::string& text, vbINT32 address) {

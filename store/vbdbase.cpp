@@ -78,12 +78,12 @@ void vbDatabase::Open(const std::string& path, vbDatabaseAccessMode mode) try {
   m_bOpen = m_bReady = true;
   m_strFileName = path;
   m_nLastOperation = kHasWritten;
-  if (Length() < static_cast<long>(sizeof m_Header)) {
-    // Closing would write a header into what isn't one of our files.
-    Forget();
-    Throw<CFileRead>();
+  try {
+    ReadFileHdr();
+  } catch (...) {
+    Forget();  // closing would write a header into what may be none of our files
+    throw;
   }
-  ReadFileHdr();
   if (std::memcmp(m_Header.Signature, VBDSignature, sizeof m_Header.Signature) != 0 &&
       std::memcmp(m_Header.Signature, VBDSignatureOld, sizeof m_Header.Signature) != 0) {
     m_bOpen = false;
@@ -186,7 +186,7 @@ void vbDatabase::Turn(vbINT32 address, int opposite) {
   const bool turns = m_nLastOperation == opposite;
   if (address == vbCurrAddress) {
     if (turns) Seek(0, vbSeekCurrent);
-  } else if (turns || FilePosition() != address) {
+  } else if (turns || vbdFPTRTell(m_pFile) != address) {
     Seek(address, vbSeekBegin);
   }
 }
@@ -212,10 +212,8 @@ void vbDatabase::Write(const void* buffer, unsigned long size, vbINT32 address, 
   if (!m_bWriteable) Throw<CFileNotWriteable>();
   Turn(address, kHasRead);
   const vbINT32 start = FilePosition();
-  if (size > static_cast<unsigned long>(kLongestFile - start) ||
-      vbdFPTRWrite(m_pFile, buffer, static_cast<unsigned int>(size)) != 0) {
-    FailWrite();
-  }
+  if (size > static_cast<unsigned long>(kLongestFile - start)) Throw<CFileWrite>();
+  if (vbdFPTRWrite(m_pFile, buffer, static_cast<unsigned int>(size)) != 0) FailWrite();
   m_nLastOperation = kHasWritten;
   if (flush) {
     if (vbdFPTRFlush(m_pFile) != 0) FailWrite();
@@ -244,7 +242,11 @@ unsigned long vbDatabase::CalcChecksum(unsigned long size, vbINT32 address, int 
 }
 LOG_AND_RETHROW
 
-void vbDatabase::ReadFileHdr() try { Read(&m_Header, sizeof m_Header, vbStartOfFile); }
+void vbDatabase::ReadFileHdr() try {
+  vbFileHeader header;
+  Read(&header, sizeof header, vbStartOfFile);
+  m_Header = header;
+}
 LOG_AND_RETHROW
 
 void vbDatabase::WriteFileHdr() try {

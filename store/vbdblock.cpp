@@ -59,13 +59,19 @@ vbINT32 vbDatabase::Alloc(unsigned long size, vbDatabaseReclaimMethod method) tr
   RequireReady();
   if (size > kLongestFile) return 0;
   const unsigned long total = BlockOverhead() + size;
+  const vbINT32 head = m_Header.FreeSpace;
   vbINT32 address = 0;
-  if (m_Header.FreeSpace != 0) {
+  if (head != 0) {
     if (method == vbReclaimFirstFit) address = ReclaimFirstFit(total);
     if (method == vbReclaimBestFit) address = ReclaimBestFit(total);
   }
   if (address != 0) {
-    InitBlock(address, total, 0);
+    try {
+      InitBlock(address, total, 0);
+    } catch (...) {
+      m_Header.FreeSpace = head;  // the block is still what it was
+      throw;
+    }
   } else {
     address = Extend(total);
     if (address == 0) return 0;

@@ -126,16 +126,24 @@ bool vbDatabase::Revive(vbINT32 address, bool removedToo) try {
       !(removedToo && header.StatusLetter() == vbRemovedBlock)) {
     return false;
   }
+  if (removedToo && m_Header.FreeSpace == vbFSListCorrupt) {
+    // Nothing refers to a block that was freed when the list was broken already.
+    header.SetStatusLetter(vbNormalBlock);
+    header.NextDeleted = 0;
+    WriteBlockHdr(header, wanted);
+    return true;
+  }
   const FreeWalk end = WalkFreeList([&](const FreeBlock& block, const FreeBlock& previous) {
     if (block.Address != wanted) return false;
-    Relink(previous, block.Header.NextDeleted);
+    const bool isHead = previous.Address == 0;
+    if (!isHead) Relink(previous, block.Header.NextDeleted);
+    header.SetStatusLetter(vbNormalBlock);
+    header.NextDeleted = 0;
+    WriteBlockHdr(header, wanted);
+    if (isHead) m_Header.FreeSpace = block.Header.NextDeleted;
     return true;
   });
-  if (end != FreeWalk::Stopped) return false;
-  header.SetStatusLetter(vbNormalBlock);
-  header.NextDeleted = 0;
-  WriteBlockHdr(header, wanted);
-  return true;
+  return end == FreeWalk::Stopped;
 }
 LOG_AND_RETHROW
 

@@ -166,7 +166,13 @@ bool vbPersistent::Free(vbINT32 address, vbINT32 classID, bool remove) {
   KSBKey scratch;
   if (!FindKey(found, scratch, GetVBClassIndex(), true)) return false;
   m_ObjectAddress = found.ObjectAddress;
-  return Data().Delete(m_ObjectAddress, remove) && RemoveKey(key, scratch, GetVBClassIndex(), true);
+  if (!Data().Delete(m_ObjectAddress, remove)) return false;
+  try {
+    return RemoveKey(key, scratch, GetVBClassIndex(), true);
+  } catch (...) {
+    PutBack(0, found.ObjectAddress);
+    throw;
+  }
 }
 
 // ---- Objects ----
@@ -223,7 +229,7 @@ bool vbPersistent::PutObject() try {
   try {
     return Write();
   } catch (...) {
-    PutBack(oldAddress);
+    PutBack(m_ObjectAddress, oldAddress);
     throw;
   }
 }
@@ -237,20 +243,24 @@ void vbPersistent::RequireRoomForUpdate() {
   if (!Data().HasRoom(size, old)) Throw<CMemoryAlloc>();
 }
 
-/// After a failed update: frees what there is of the new form and makes the old one live again,
-/// unless its block was taken. Another failure on the way is in the log; the first one goes on.
-void vbPersistent::PutBack(vbINT32 oldAddress) {
-  const vbINT32 newAddress = m_ObjectAddress;
+/// After a failed update or removal: frees what there is of the new form and makes the old one live
+/// again, unless its block was taken. Another failure on the way is in the log; the first goes on.
+void vbPersistent::PutBack(vbINT32 newAddress, vbINT32 oldAddress) {
   m_ObjectAddress = oldAddress;
-  if (newAddress != 0) FreeQuietly(newAddress);
   if (newAddress == oldAddress) return;
+  if (newAddress != 0) FreeQuietly(newAddress);
   try {
-    KSBKey key = RequireKey(0, 0);
-    KSBKey scratch;
+    if (!Data().Restore(oldAddress)) return;
+    KSBKey key = RequireKey(oldAddress, GetVBClassID());
     KSBKey found = key;
+    KSBKey scratch;
     const unsigned int index = GetVBClassIndex();
-    if (FindKey(found, scratch, index, true)) RemoveKey(key, scratch, index, true);
-    if (Data().Restore(oldAddress)) Add(oldAddress, GetVBClassID());
+    if (FindKey(found, scratch, index, true)) {
+      if (found.ObjectAddress == oldAddress) return;
+      found = key;
+      RemoveKey(found, scratch, index, true);
+    }
+    AddKey(key, scratch, index, true);
   } catch (...) {
   }
 }

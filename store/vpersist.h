@@ -128,7 +128,7 @@ class KESTDB_API vbPersistent {
   bool Free(vbINT32 address, vbINT32 classID, bool remove);
   void StoreObject(std::span<const char> record);
   void RequireRoomForUpdate();
-  void PutBack(vbINT32 oldAddress);
+  void PutBack(vbINT32 newAddress, vbINT32 oldAddress);
   void FreeQuietly(vbINT32 address);
   vbINT32 OfThisClass(vbINT32 address, vbINT32 (vbDatabase::*step)(vbINT32));
 

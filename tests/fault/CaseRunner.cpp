@@ -26,8 +26,7 @@ constexpr unsigned kWallClockSeconds = 60;
 class SharedResults {
  public:
   explicit SharedResults(std::size_t count) : size_(sizeof(Shared) + count * sizeof(CaseResult)) {
-    void* memory =
-        mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    void* memory = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) throw std::runtime_error("no shared memory");
     shared_ = static_cast<Shared*>(memory);
     std::fill_n(Results(), count, CaseResult());

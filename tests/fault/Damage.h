@@ -11,7 +11,7 @@ enum class Which { Data, Index };
 /// One way to damage a pair of files: bits of a byte turned over, or a file cut off.
 struct Damage {
   Which file;
-  std::size_t offset;       ///< of the byte, or the length that is left
+  std::size_t offset;        ///< of the byte, or the length that is left
   unsigned char turned = 0;  ///< the bits; 0 cuts
 };
 
@@ -29,6 +29,7 @@ std::vector<Damage> Sample(std::vector<Damage> damages, std::size_t count);
 std::vector<Damage> Part(const std::vector<Damage>& damages, std::size_t n, std::size_t parts);
 
 /// Exercises the study with each damage, prints how many ended how, and in which fields damage
-/// was lost in silence or spread, and fails the test for each that ended in no lawful way.
+/// was lost in silence or spread. Fails the test for each that ended in no lawful way, and for a
+/// silent loss where something guards against it.
 void ExerciseAll(const HostileStudy& study, const std::vector<Damage>& damages,
                  const std::string& title);

@@ -33,12 +33,16 @@ struct HostileValue {
   std::string name;
   Forgery forged;
   Ending worst = Ending::Reported;
-  long changed = 0;      ///< the address of an object whose value is no longer known
+  long changed = 0;       ///< the address of an object whose value is no longer known
   std::string told = {};  ///< what the first exception has to say, if that matters
 };
 
+/// Whether writing into the damaged files may cost an object that could be read before.
+enum class Writing { MayLose, LosesNothing };
+
 /// Exercises all of them and prints how each ended.
-void ExerciseAll(const HostileStudy& study, const std::vector<HostileValue>& values);
+void ExerciseAll(const HostileStudy& study, const std::vector<HostileValue>& values,
+                 Writing writing);
 
 /// The block addresses on the free list, from the head.
 std::vector<std::size_t> FreeList(const std::string& bytes);

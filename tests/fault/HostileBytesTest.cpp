@@ -1,22 +1,27 @@
 #include <gtest/gtest.h>
 
 #include "tests/fault/Damage.h"
-#include "tests/fault/FileMap.h"
 
 // A sample of the damages that HostileBytesSweepTest.cpp goes through in full.
 
 namespace {
 
-constexpr std::size_t kSample = 300;
+constexpr std::size_t kSample = 250;
+constexpr int kUsualOrder = 32;
 
 }  // namespace
 
 TEST(HostileBytes, NoDamageEndsClean) {
   const HostileStudy study;
-  const auto results =
-      RunCases(1, [&](std::size_t) { return study.Exercise(study.Files()); });
-  EXPECT_EQ(results[0].ending, Ending::Clean) << results[0].note;
-  EXPECT_STREQ(results[0].spread, "");
+  const HostileStudy usual(kUsualOrder);
+  const auto results = RunCases(2, [&](std::size_t i) {
+    const HostileStudy& one = i == 0 ? study : usual;
+    return one.Exercise(one.Files());
+  });
+  for (const CaseResult& result : results) {
+    EXPECT_EQ(result.ending, Ending::Clean) << result.note;
+    EXPECT_STREQ(result.spread, "");
+  }
 }
 
 TEST(HostileBytes, InvertedBytesOfTheDataFile) {
@@ -47,4 +52,10 @@ TEST(HostileBytes, SingleBitsOfTheDataFilesHeaders) {
 TEST(HostileBytes, SingleBitsOfTheIndexFilesHeaders) {
   const HostileStudy study;
   ExerciseAll(study, Sample(HeaderBits(study, Which::Index), kSample), "header bits turned over");
+}
+
+TEST(HostileBytes, IndexFileOfTheUsualOrder) {
+  const HostileStudy study(kUsualOrder);
+  ExerciseAll(study, Sample(Inversions(study, Which::Index), kSample), "bytes inverted");
+  ExerciseAll(study, Sample(Cuts(study, Which::Index), kSample), "cut");
 }

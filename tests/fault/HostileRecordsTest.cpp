@@ -24,7 +24,7 @@ class Words {
         .Seal(Which::Data, address - kBlockHeader);
     values_.push_back({name, forged, worst, object_.address, told});
   }
-  void Run() const { ExerciseAll(study_, values_); }
+  void Run() const { ExerciseAll(study_, values_, Writing::LosesNothing); }
 
  private:
   const HostileStudy& study_;

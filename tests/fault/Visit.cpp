@@ -24,8 +24,9 @@ constexpr std::size_t kMostGrowth = 1 << 16;
 constexpr std::size_t kMostSteps = 5000;  // of a walk through some fifty objects
 
 /// Freed before the study was damaged.
-const std::vector<KnownObject> kFreed = {{Kind::Plain, 5},  {Kind::Plain, 20}, {Kind::Plain, 25},
-                                         {Kind::Plain, 30}, {Kind::Sample, 4, 1}, {Kind::Sample, 9}};
+const std::vector<KnownObject> kFreed = {{Kind::Plain, 5},     {Kind::Plain, 20},
+                                         {Kind::Plain, 25},    {Kind::Plain, 30},
+                                         {Kind::Sample, 4, 1}, {Kind::Sample, 9}};
 
 /// The first is small enough for a free block to be split, the second makes a full node split, the
 /// third lies behind all others.
@@ -33,11 +34,8 @@ const std::vector<KnownObject> kAdded = {
     {Kind::Plain, 100}, {Kind::Triple, 40}, {Kind::Sample, 98, 3}};
 
 /// In trees of order 8 the first two make two leaves be merged, the next two a leaf borrow a key.
-const std::vector<KnownObject> kRemoved = {{Kind::Plain, 2},
-                                           {Kind::Plain, 3},
-                                           {Kind::Plain, 11},
-                                           {Kind::Plain, 12},
-                                           {Kind::Sample, 7, 1}};
+const std::vector<KnownObject> kRemoved = {
+    {Kind::Plain, 2}, {Kind::Plain, 3}, {Kind::Plain, 11}, {Kind::Plain, 12}, {Kind::Sample, 7, 1}};
 
 /// A key whose leaf then needs its sibling, and one that parts two leaves.
 const std::vector<KnownObject> kUpdated = {{Kind::Sample, 2, 2}, {Kind::Sample, 5, 2}};

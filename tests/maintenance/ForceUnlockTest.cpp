@@ -60,7 +60,6 @@ TEST_F(ForceUnlock, DoesNothingWhileTheProcessHoldsAnotherDatabase) {
   MakeDirectory();
   CLock::ForceUnlock();
   EXPECT_TRUE(DirectoryStands());
-  RemoveDirectory();
 }
 
 TEST_F(ForceUnlock, DoesNothingButWaitBeforeAnyLockPathWasSeen) {
@@ -70,7 +69,6 @@ TEST_F(ForceUnlock, DoesNothingButWaitBeforeAnyLockPathWasSeen) {
   EXPECT_TRUE(DirectoryStands());
   EXPECT_EQ(Sleeps(), kAllTries);
   EXPECT_TRUE(Log().empty());
-  RemoveDirectory();
 }
 
 TEST_F(ForceUnlock, ActsOnTheLastLockPathThatWasSeen) {
@@ -81,7 +79,6 @@ TEST_F(ForceUnlock, ActsOnTheLastLockPathThatWasSeen) {
   CLock::ForceUnlock();
   EXPECT_TRUE(DirectoryStands());
   EXPECT_FALSE(fs::exists(pod.LockPath()));
-  RemoveDirectory();
 }
 
 TEST_F(ForceUnlock, PutsADirectoryThatIsNotEmptyAside) {

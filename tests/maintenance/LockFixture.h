@@ -16,8 +16,11 @@
 class LockFixture : public testing::Test {
  protected:
   LockFixture() { Forget(); }
-  // The doubles serve the closing of the study still, but not what a test had them do.
-  ~LockFixture() override { Forget(); }
+  // The study can still be closed, whatever the test left behind.
+  ~LockFixture() override {
+    Forget();
+    if (!Pod()->LockHeld()) std::filesystem::remove_all(study.LockPath());
+  }
 
   static void Forget() {
     ClearLog();

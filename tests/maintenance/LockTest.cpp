@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <array>
 #include <filesystem>
 #include <memory>
 
@@ -65,7 +64,6 @@ TEST_F(Lock, SecondReleaseLeavesTheLockOfAnotherAlone) {
   MakeDirectory();
   lock.UnLock();
   EXPECT_TRUE(DirectoryStands());
-  RemoveDirectory();
 }
 
 TEST_F(Lock, DirectoryIsOpenToAllThatTheMaskAdmits) {
@@ -207,7 +205,7 @@ TEST_F(Lock, OfAnotherThreadIsHadOnceTheHolderReleasesIt) {
   EXPECT_TRUE(DirectoryStands());
 }
 
-TEST_F(Lock, ForgetsItsThreadWithItsRelease) {
+TEST_F(Lock, BelongsToTheThreadThatTookItLast) {
   { const CLock lock(Pod(), 5); }
   const CLock lock(Pod(), 0);
   EXPECT_THROW(CLock(Pod(), 5), CFileLock);

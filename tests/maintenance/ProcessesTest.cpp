@@ -68,6 +68,10 @@ void Add(int id, std::size_t length) {
   EXPECT_TRUE(record.WriteObject(true));
 }
 
+void AddRange(int first, int last, std::size_t length) {
+  for (int id = first; id <= last; ++id) Add(id, length);
+}
+
 /// Leaves the start of both files in the buffers of this process's streams, from before whatever
 /// the others will write.
 void LookWithoutALock() {
@@ -214,7 +218,8 @@ struct Growth {
 
 class GrowingProcesses : public Processes, public testing::WithParamInterface<Growth> {
  protected:
-  /// One of two processes that add records by turns: 1, 3, 5 ... or 2, 4, 6 ... in units of turns.
+  /// One of two processes that add records by turns: the first one under a lock for each record,
+  /// the second one under a lock for all of a turn.
   void AddByTurns(int who, const Pause& pause) {
     const int records = GetParam().recordsInTurn;
     const std::size_t length = GetParam().textLength;
@@ -224,7 +229,12 @@ class GrowingProcesses : public Processes, public testing::WithParamInterface<Gr
     pause();
     for (int turn = who; turn < kTurns; turn += 2) {
       ExpectAll(turn * records, length);
-      for (int id = turn * records + 1; id <= (turn + 1) * records; ++id) Add(id, length);
+      if (who == 0) {
+        AddRange(turn * records + 1, (turn + 1) * records, length);
+      } else {
+        const CLock lock(GetPOD(), 0);
+        AddRange(turn * records + 1, (turn + 1) * records, length);
+      }
       ExpectAll((turn + 1) * records, length);
       LookWithoutALock();
       pause();

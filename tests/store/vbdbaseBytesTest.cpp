@@ -139,6 +139,13 @@ TEST_F(BlockFileBytes, WriteOfMoreThanAFileCanHoldFails) {
   EXPECT_EQ(db.Length(), 76);
 }
 
+TEST_F(BlockFileBytes, WriteThatIsRefusedForItsSizeLosesNothingWrittenBefore) {
+  Write("##", 44, false, false);
+  EXPECT_THROW(db.Write("", 0x1'0000'0001, vbCurrAddress, false, false), CFileWrite);
+  db.Flush();
+  EXPECT_EQ(HexAt(file.Path(), 44, 2), "23 23");
+}
+
 TEST_F(BlockFileBytes, FlushedBytesAreSeenByOthersAtOnce) {
   Write("##", 44, true, false);
   EXPECT_EQ(db.LastOperation(), 4);

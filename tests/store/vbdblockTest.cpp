@@ -81,13 +81,22 @@ TEST_F(Blocks, AllocOnAFileOfTheWrongTypeIsNotReady) {
 }
 
 TEST_F(Blocks, HeaderThatNoBlockCanFollowIsCorrupt) {
-  // An end before the heap, and a heap inside the file header.
+  // An end before the heap or behind the file, and a heap inside the file header.
   for (const std::string& header : {FileHeaderBytes(0, 39, 40, 0), FileHeaderBytes(0, -100, 40, 0),
+                                    FileHeaderBytes(0, 41, 40, 0), FileHeaderBytes(0, 5000, 40, 0),
                                     FileHeaderBytes(0, 40, 39, 0), FileHeaderBytes(0, 40, -4, 0)}) {
     file.Patch(0, header);
     EXPECT_THROW(db.Alloc(9, vbReclaimFirstFit), CFileCorrupt);
     EXPECT_EQ(db.Length(), 40);
   }
+}
+
+TEST_F(Blocks, FileThatWasCutTakesNoNewBlocks) {
+  file.Add(digits);
+  file.Resize(80);
+  EXPECT_THROW(db.Alloc(9, vbReclaimFirstFit), CFileCorrupt);
+  EXPECT_EQ(db.GetEOF(), 81);
+  EXPECT_EQ(db.Length(), 80);
 }
 
 TEST_F(Blocks, DeleteMarksTheBlockAndPutsItAtTheHeadOfTheFreeList) {

@@ -119,8 +119,15 @@ TEST_P(BrokenFreeList, NothingComesBackFromIt) {
   EXPECT_EQ(db.ReclaimFirstFit(90), 0);
   EXPECT_TRUE(db.Delete(68, false));
   EXPECT_FALSE(db.UnDelete(68));
-  EXPECT_FALSE(db.Restore(68));
   EXPECT_EQ(file.HexAt(48, 4), "44 00 00 00");
+}
+
+TEST_P(BrokenFreeList, RestoreNeedsNoListThatIsMarkedBroken) {
+  EXPECT_EQ(db.ReclaimFirstFit(90), 0);
+  EXPECT_TRUE(db.Delete(68, true));
+  EXPECT_TRUE(db.Restore(68));
+  EXPECT_EQ(file.HexAt(48, 8), "4E 00 00 00 00 00 00 00");
+  EXPECT_EQ(db.GetVBDFreeSpace(), vbFSListCorrupt);
 }
 
 TEST_P(BrokenFreeList, UnDeleteOfABlockOffTheListMarksIt) {

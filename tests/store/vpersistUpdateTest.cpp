@@ -187,13 +187,22 @@ TEST_F(UpdatesInALargeFile, WhoseNewBlockCannotBeFilledKeepTheOldForm) {
 }
 
 TEST_F(UpdatesInALargeFile, WhoseNewBlockCannotBeMadeKeepTheOldForm) {
-  // The free block of object 3 lies behind the last byte that can be written.
+  // The free block of object 3, which fits, lies behind the last byte that can be written. It may
+  // be lost to the free list, and nothing else.
   const long old = Store(1, "old");
   const long third = Store(3, std::string(1000, 'x'));
   Store(4, "last");
   ASSERT_TRUE(Plain(3).RemoveObject());
   FailToUpdate<CFileWrite>(std::string(1000, 'n'), static_cast<unsigned long>(third) - 28);
-  ExpectOldForm(old, "old");
+  EXPECT_EQ(TextOf(1), "old");
+  study.Reopen();
+  PlainRecord record = Plain(1);
+  EXPECT_TRUE(record.GetObject());
+  EXPECT_EQ(record.m_strText, "old");
+  EXPECT_EQ(record.ObjectAddress(), old);
+  EXPECT_EQ(record.CountObjects(), countBefore);
+  EXPECT_EQ(TextOf(4), "last");
+  EXPECT_EQ(TextOf(9), std::string(70000, 'x'));
 }
 
 TEST_F(UpdatesInALargeFile, WhoseNewBlockCannotBeSplitOffKeepTheOldForm) {
@@ -256,21 +265,23 @@ TEST_F(UpdatesInAFullTree, MakeTheIndexGrow) {
   EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(UpdatesInAFullTree, WhoseKeyFindsNoRoomKeepTheOldForm) {
+TEST_F(UpdatesInAFullTree, WhoseKeyFindsNoRoomKeepTheOldFormAlive) {
   {
     const FileSizeLimit full(indexSize);
     EXPECT_THROW(Plain(middle, "a new form").PutObject(), CFileWrite);
   }
-  EXPECT_EQ(TextOf(middle), "old");
-  EXPECT_EQ(AddressOf(middle), old);
-  EXPECT_EQ(Fault(), "");
   study.Reopen();
-  EXPECT_EQ(TextOf(middle), "old");
-  EXPECT_EQ(Fault(), "");
-  EXPECT_TRUE(Plain(middle, "a new form").PutObject());
+  // The old key finds no room either; its object is a live block, from which an index is made.
+  EXPECT_EQ(FaultOf(ReadRawFile(study.DataPath())), "");
+  EXPECT_EQ(FaultOf(ReadRawFile(study.IndexPath())), "");
+  EXPECT_EQ(Plain(1).CountObjects(), 48);
+  PlainRecord record(study.Pod());
+  record.ReadObject(old);
+  EXPECT_EQ(record.m_nID, middle);
+  EXPECT_EQ(record.m_strText, "old");
 }
 
-TEST_F(UpdatesInAFullTree, ThatTookTheOldBlockLoseNoMoreThanTheirKey) {
+TEST_F(UpdatesInAFullTree, OfTheSameLengthLoseNoMoreThanTheirKey) {
   {
     const FileSizeLimit full(indexSize);
     EXPECT_THROW(Plain(middle, "NEW").PutObject(), CFileWrite);
@@ -278,13 +289,14 @@ TEST_F(UpdatesInAFullTree, ThatTookTheOldBlockLoseNoMoreThanTheirKey) {
   study.Reopen();
   EXPECT_EQ(FaultOf(ReadRawFile(study.DataPath())), "");
   EXPECT_EQ(FaultOf(ReadRawFile(study.IndexPath())), "");
-  EXPECT_EQ(ReadRawTree(ReadRawFile(study.IndexPath()), plainTree).size(), 47U);
-  // What was written is a live block, from which a new index is made.
+  // Where the new form took the old block, it is a live block, from which a new index is made.
   EXPECT_EQ(Plain(1).CountObjects(), 48);
+  const bool keyed = AddressOf(middle) == old;
+  EXPECT_EQ(ReadRawTree(ReadRawFile(study.IndexPath()), plainTree).size(), keyed ? 48U : 47U);
   PlainRecord record(study.Pod());
   record.ReadObject(old);
   EXPECT_EQ(record.m_nID, middle);
-  EXPECT_EQ(record.m_strText, "NEW");
+  EXPECT_EQ(record.m_strText, keyed ? "old" : "NEW");
 }
 
 TEST_F(Updates, WhoseOldKeyCannotBeRemovedKeepTheOldForm) {
@@ -345,8 +357,11 @@ class LargestFile : public Updates {
 TEST_F(LargestFile, RefusesAnUpdateBeforeAnythingIsRemoved) {
   FillBut(1000);
   const std::string before = Head();
-  PlainRecord record = Plain(1, std::string(1000, 'n'));
-  EXPECT_THROW(record.PutObject(), CMemoryAlloc);
+  {
+    // A first write would be the failure that is told.
+    const FileSizeLimit noWrites(0);
+    EXPECT_THROW(Plain(1, std::string(1000, 'n')).PutObject(), CMemoryAlloc);
+  }
   EXPECT_EQ(Head(), before);
   EXPECT_EQ(TextOf(1), std::string(100, 'o'));
   EXPECT_EQ(Plain(1).CountObjects(), 1);
@@ -402,11 +417,17 @@ TEST_F(LargestFile, TakesAnUpdateThatAFreeBlockHolds) {
   EXPECT_EQ(TextOf(1), std::string(300, 'n'));
 }
 
+TEST_F(LargestFile, TakesAnUpdateThatAPartOfAFreeBlockHolds) {
+  FillBut(0);
+  EXPECT_TRUE(Plain(1, std::string(267, 'n')).PutObject());
+  EXPECT_EQ(TextOf(1), std::string(267, 'n'));
+}
+
 TEST_F(LargestFile, RefusesAnUpdateThatNoFreeBlockHolds) {
   FillBut(0);
   const std::string before = Head();
-  // One byte less than the free block is no split, one more is too long.
-  for (const std::size_t size : {299U, 301U}) {
+  // Too long by a byte, and too short for a split by a byte, or by all that one takes but a byte.
+  for (const std::size_t size : {301U, 299U, 268U}) {
     EXPECT_THROW(Plain(1, std::string(size, 'n')).PutObject(), CMemoryAlloc);
     EXPECT_EQ(Head(), before);
   }

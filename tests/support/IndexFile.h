@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -19,8 +20,10 @@ inline KSBKey NumberKey(long number) {
   return {NumberName(number).c_str(), NumberAddress(number), kNumberClass};
 }
 
+/// The number of a key, whose name may lack its terminator when it comes from a damaged file.
 inline long NumberOf(const KSBKey& key) {
-  return std::atol(key.ObjectName);
+  const std::string name(key.ObjectName, strnlen(key.ObjectName, sizeof key.ObjectName));
+  return std::atol(name.c_str());
 }
 
 /// An index file of its own for a test, with one tree whose keys are numbers.

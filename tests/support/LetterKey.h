@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 
 #include "index/dbasekey.h"
@@ -8,7 +9,7 @@
 class LetterKey : public DatabaseKeyB {
  public:
   explicit LetterKey(const char* text = "") : DatabaseKeyB(letters) {
-    std::strncpy(letters, text, sizeof letters);
+    std::memcpy(letters, text, std::min(std::strlen(text), sizeof letters));
   }
   LetterKey(const LetterKey&) = delete;
   LetterKey& operator=(const LetterKey&) = delete;
@@ -17,7 +18,7 @@ class LetterKey : public DatabaseKeyB {
   bool operator==(const DatabaseKeyB& other) const override { return Compare(other) == 0; }
   bool operator>(const DatabaseKeyB& other) const override { return Compare(other) > 0; }
 
-  char letters[4];  ///< zero bytes behind a shorter text
+  char letters[4] = {};
 
  private:
   int Compare(const DatabaseKeyB& other) const {

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr unsigned kLongestSeconds = 60;
+constexpr unsigned kLongestSeconds = 120;
 
 bool HasNews(int channel, int milliseconds) {
   pollfd watched{channel, POLLIN, 0};

@@ -9,8 +9,8 @@
 /// can be used in the body; what fails there, or an exception, fails the test that awaits the end.
 ///
 /// Make it while the test holds nothing that two processes must not share, an open study above
-/// all. No process outlives its test, and none takes longer than a minute: whatever waits for one
-/// throws std::runtime_error then.
+/// all. No process outlives its test, and none takes longer than two minutes: whatever waits for
+/// one throws std::runtime_error then.
 class OtherProcess {
  public:
   using Pause = std::function<void()>;
