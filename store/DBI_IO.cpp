@@ -27,13 +27,12 @@ std::string BaseName(const std::string& name) {
   return extended ? name.substr(0, name.size() - 4) : name;
 }
 
-/// Whether the file exists. Only its owner's permissions are looked at.
-bool CheckAccess(const std::string& path) {
+/// Looks at the permissions that a file gives to its owner, if there is such a file.
+void CheckAccess(const std::string& path) {
   struct stat status;
-  if (stat(path.c_str(), &status) != 0) return false;
+  if (stat(path.c_str(), &status) != 0) return;
   if ((status.st_mode & S_IRUSR) == 0) Throw<CReadOnlyFile>();
   if ((status.st_mode & S_IWUSR) == 0) Throw<CFileNotWriteable>();
-  return true;
 }
 
 /// Leaves no study open behind a failed open, whatever state it is in.
@@ -59,7 +58,6 @@ class CloseUnlessDone {
 
 /// Writes the singleton objects that the study lacks.
 void MakeSingletons() {
-  const CLock lock(pPOD, 0);
   CGPoint points(pPOD);
   if (!points.FindObject()) points.WriteObject(false);
 }
@@ -74,11 +72,15 @@ void OpenDatabase(const std::string& name) try {
   const std::string base = BaseName(name);
   std::string dataPath = base + ".ksb";
   const std::string indexPath = base + ".kx";
-  const bool dataExists = CheckAccess(dataPath);
-  const bool indexExists = CheckAccess(indexPath);
+  CheckAccess(dataPath);
+  CheckAccess(indexPath);
 
   KSBKey key;
   pPOD = new POD(dataPath);
+  // What the files are must not change until they are open: another process may be making them.
+  const CLock lock(pPOD, 0);
+  const bool dataExists = vbDatabase::Exists(dataPath);
+  const bool indexExists = vbDatabase::Exists(indexPath);
   const int version = GetDBVersion(dataPath);
   // Going on would part a file of another version, or objects without their index, from what is
   // stored next.
