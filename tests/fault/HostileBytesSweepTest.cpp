@@ -2,47 +2,46 @@
 
 #include "tests/fault/Damage.h"
 
-// Every single byte of both files, every length, every bit of the headers: minutes. The index file
-// is the larger one; it is gone through in parts, which may run side by side.
+// Every single byte of both files, every length, every bit of the headers: minutes. Each sweep goes
+// in parts, which may run side by side.
 
 namespace {
 
 constexpr std::size_t kParts = 8;
 
-class HostileIndexSweep : public testing::TestWithParam<std::size_t> {};
+class HostileBytesSweep : public testing::TestWithParam<std::size_t> {
+ protected:
+  void Exercise(const std::vector<Damage>& damages, const std::string& title) const {
+    ExerciseAll(study, Part(damages, GetParam(), kParts), title);
+  }
+
+  const HostileStudy study;
+};
 
 }  // namespace
 
-TEST(HostileDataSweep, EachByteInverted) {
-  const HostileStudy study;
-  ExerciseAll(study, Inversions(study, Which::Data), "each byte inverted");
+TEST_P(HostileBytesSweep, DataFileInverted) {
+  Exercise(Inversions(study, Which::Data), "each byte inverted");
 }
 
-TEST(HostileDataSweep, CutAtEachLength) {
-  const HostileStudy study;
-  ExerciseAll(study, Cuts(study, Which::Data), "cut at each length");
+TEST_P(HostileBytesSweep, DataFileCut) {
+  Exercise(Cuts(study, Which::Data), "cut at each length");
 }
 
-TEST(HostileDataSweep, EachBitOfTheHeaders) {
-  const HostileStudy study;
-  ExerciseAll(study, HeaderBits(study, Which::Data), "each bit of the headers turned over");
+TEST_P(HostileBytesSweep, BitsOfTheDataFilesHeaders) {
+  Exercise(HeaderBits(study, Which::Data), "each bit of the headers turned over");
 }
 
-TEST_P(HostileIndexSweep, EachByteInverted) {
-  const HostileStudy study;
-  ExerciseAll(study, Part(Inversions(study, Which::Index), GetParam(), kParts),
-              "each byte inverted");
+TEST_P(HostileBytesSweep, IndexFileInverted) {
+  Exercise(Inversions(study, Which::Index), "each byte inverted");
 }
 
-TEST_P(HostileIndexSweep, CutAtEachLength) {
-  const HostileStudy study;
-  ExerciseAll(study, Part(Cuts(study, Which::Index), GetParam(), kParts), "cut at each length");
+TEST_P(HostileBytesSweep, IndexFileCut) {
+  Exercise(Cuts(study, Which::Index), "cut at each length");
 }
 
-TEST_P(HostileIndexSweep, EachBitOfTheHeaders) {
-  const HostileStudy study;
-  ExerciseAll(study, Part(HeaderBits(study, Which::Index), GetParam(), kParts),
-              "each bit of the headers turned over");
+TEST_P(HostileBytesSweep, BitsOfTheIndexFilesHeaders) {
+  Exercise(HeaderBits(study, Which::Index), "each bit of the headers turned over");
 }
 
-INSTANTIATE_TEST_SUITE_P(Part, HostileIndexSweep, testing::Range<std::size_t>(0, kParts));
+INSTANTIATE_TEST_SUITE_P(Part, HostileBytesSweep, testing::Range<std::size_t>(0, kParts));

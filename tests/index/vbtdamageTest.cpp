@@ -33,7 +33,6 @@ const long kTop = NodeAddress(0);
 const long kInner = NodeAddress(1);
 const long kFirstLeaf = NodeAddress(2);
 const long kOtherInner = NodeAddress(4);
-const long kForeign = NodeAddress(7);
 
 void ExpectAll(const std::vector<std::string>& outcomes, const std::string& expected) {
   for (const std::string& outcome : outcomes) EXPECT_EQ(outcome, expected);
