@@ -117,11 +117,6 @@ TEST(DamagedBlock, AChildOfMinusOneIsNotWrittenWhereTheFileHappensToStand) {
 
 // -- The tree's header.
 
-struct HeaderDamage {
-  TreeHeaderWord word;
-  long value;
-};
-
 TEST(DamagedTreeHeader, EntriesOfAnotherSizeAreNoneOfTheKey) {
   for (const long size :
        {0L, 4L, 8L, 75L, 77L, 152L, 65536L, 2147483647L, -1L, -76L, -2147483648L}) {
