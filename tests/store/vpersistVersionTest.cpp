@@ -9,6 +9,7 @@
 #include "tests/support/Bytes.h"
 #include "tests/support/Log.h"
 #include "tests/support/SampleRecord.h"
+#include "tests/support/StoredRecord.h"
 #include "tests/support/Study.h"
 
 // Records that an older or a newer library wrote.
@@ -47,17 +48,9 @@ namespace {
 
 class Versions : public testing::Test {
  protected:
-  /// Puts an object of these bytes, its checksum right, into a block of its own. Its address.
-  long StoreBytes(const std::string& object) {
-    const CLock lock(study.Pod(), 0);
-    vbDatabase& data = *study.Pod()->DataFile();
-    const vbINT32 address = data.Alloc(object.size(), vbReclaimFirstFit);
-    data.Write(object.data(), object.size(), address, false, true);
-    data.WriteObjectChecksum(address);
-    return address;
-  }
+  long StoreBytes(const std::string& object) { return ::StoreBytes(study.Pod(), object); }
 
-  /// The same for a sample record: `fields` start with its version.
+  /// Stores a sample record: `fields` start with its version.
   long StoreSample(const std::string& fields) {
     return StoreBytes(Bytes("D8 59 00 00 84 00 00 00" + fields));
   }
