@@ -2,7 +2,17 @@
 
 /// The whole interface of libkestdb.
 
+#include "control/ANLControl.h"
+#include "control/ControlBlock.h"
+#include "control/DGOControl.h"
+#include "control/DOEControl.h"
+#include "control/DesignControl.h"
+#include "control/NGOControl.h"
+#include "control/RSAControl.h"
+#include "definition/Auxiliary.h"
 #include "definition/GPoint.h"
+#include "definition/Input.h"
+#include "definition/Resp.h"
 #include "environment/Logging.h"
 #include "environment/Utilities.h"
 #include "index/KSBKey.h"
@@ -11,6 +21,7 @@
 #include "index/dbasekey.h"
 #include "index/vbtree.h"
 #include "maintenance/Lock.h"
+#include "results/Message.h"
 #include "store/DBI_IO.h"
 #include "store/KestErr.h"
 #include "store/PersistentClass.h"

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "control/DesignControl.h"
 #include "definition/GPoint.h"
 #include "environment/Utilities.h"
 #include "index/KSBKey.h"
@@ -56,10 +57,16 @@ class CloseUnlessDone {
   bool done_ = false;
 };
 
+template <class Singleton>
+void MakeIfMissing() {
+  Singleton object(pPOD);
+  if (!object.FindObject()) object.WriteObject(false);
+}
+
 /// Writes the singleton objects that the study lacks.
 void MakeSingletons() {
-  CGPoint points(pPOD);
-  if (!points.FindObject()) points.WriteObject(false);
+  MakeIfMissing<CDesignControl>();
+  MakeIfMissing<CGPoint>();
 }
 
 }  // namespace

@@ -11,7 +11,8 @@
 #include "store/pod.h"
 
 // Walks over the objects of a class. They go on from what was found before an object is visited,
-// so that the visit may remove it. REQUIRE that the caller holds CLock.
+// so that the visit may remove it. Each visit gets an object of its own: what an older record lacks
+// has its default, not what the object before it held. REQUIRE that the caller holds CLock.
 
 namespace kestdb {
 
@@ -25,8 +26,7 @@ bool LoadByID(Class& object, long id) {
 /// Visits the objects in the order of their keys, until `visit(object)` returns false.
 template <class Class, class Visit>
 void VisitInIndexOrder(POD* pod, Visit visit) {
-  Class object(pod);
-  vBtree* tree = pod->Index(object.GetVBClassIndex());
+  vBtree* tree = pod->Index(Class(pod).GetVBClassIndex());
   if (tree == nullptr) Throw<CNullPtr>();
   KSBKey key;
   KSBKey work;
@@ -34,6 +34,7 @@ void VisitInIndexOrder(POD* pod, Visit visit) {
   while (found) {
     const vbINT32 address = key.ObjectAddress;
     found = tree->FindNext(key, work, true);
+    Class object(pod);
     object.ReadObject(address);
     if (!visit(object)) return;
   }
@@ -54,10 +55,10 @@ std::vector<Class> AllObjects(POD* pod) {
 /// false.
 template <class Class, class Visit>
 void VisitInFileOrder(POD* pod, Visit visit) {
-  Class object(pod);
-  vbINT32 next = object.FirstObject(0);
+  vbINT32 next = Class(pod).FirstObject(0);
   while (next > 0) {
     const vbINT32 address = next;
+    Class object(pod);
     next = object.NextObject(address);
     object.ReadObject(address);
     if (!visit(object)) return;

@@ -12,6 +12,7 @@
 #include "store/vbdbase.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/RawFile.h"
+#include "tests/support/StoredRecord.h"
 #include "tests/support/Study.h"
 
 namespace {
@@ -91,43 +92,47 @@ TEST_F(DesignPoints, AreUsedWithAFlagOfOneOnly) {
 
 // ---- The record ----
 
-const std::string fileHeaderEnd =
-    "56 42 44 42 41 53 45 43 B9 0B 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ";
 const std::string noLock = "00 00 00 00 00 00 00 00 00 00 00 00 ";
 
 TEST_F(DesignPoints, OfAnUpdatedStudyByteForByte) {
-  CGPoint points = TwoPoints(study.Pod());
+  CGPoint points = Stored();
+  const long old = points.ObjectAddress();
+  const long next = study.NextObject();
+  points.Copy(TwoPoints(study.Pod()));
   EXPECT_EQ(points.ObjectLength(), 104U);
   ASSERT_TRUE(points.PutObject());
-  EXPECT_EQ(points.ObjectAddress(), 132);
+  EXPECT_EQ(points.ObjectAddress(), next);
   study.Close();
-  const std::string empty = Bytes(
-      "98 3A 00 00 44 00 00 00 02 00 00 00 "
-      "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
-  const std::string table = Bytes(
-      "98 3A 00 00 84 00 00 00 02 00 00 00 "
-      "02 00 00 00 01 00 00 00 00 00 00 00 "
-      "02 00 00 00 01 00 00 00 01 00 00 00 "
-      "02 00 00 00 00 00 00 00 01 00 00 00 "
-      "02 00 00 00 "
-      "02 00 00 00 3F F0 00 00 00 00 00 00 40 00 00 00 00 00 00 00 "
-      "02 00 00 00 3F E0 00 00 00 00 00 00 BF F0 00 00 00 00 00 00 "
-      "02 00 00 00 "
-      "01 00 00 00 40 08 00 00 00 00 00 00 "
-      "00 00 00 00");
-  const std::string file =
-      Bytes("28 00 00 00 F8 00 00 00 28 00 00 00 68 00 00 00" + fileHeaderEnd) +
-      Bytes("FE FE FE FE 40 00 00 00 52 00 00 00 00 00 00 00" + noLock) + empty +
-      ChecksumOf(empty) + Bytes("FE FE FE FE 90 00 00 00 4E 00 00 00 00 00 00 00" + noLock) +
-      table + ChecksumOf(table);
-  EXPECT_EQ(Hex(ReadBytes(study.DataPath())), Hex(file));
+  const std::string empty = Bytes("98 3A 00 00" + HexWord(old) +
+                                  "02 00 00 00 "
+                                  "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+  const std::string table = Bytes("98 3A 00 00" + HexWord(next) +
+                                  "02 00 00 00 "
+                                  "02 00 00 00 01 00 00 00 00 00 00 00 "
+                                  "02 00 00 00 01 00 00 00 01 00 00 00 "
+                                  "02 00 00 00 00 00 00 00 01 00 00 00 "
+                                  "02 00 00 00 "
+                                  "02 00 00 00 3F F0 00 00 00 00 00 00 40 00 00 00 00 00 00 00 "
+                                  "02 00 00 00 3F E0 00 00 00 00 00 00 BF F0 00 00 00 00 00 00 "
+                                  "02 00 00 00 "
+                                  "01 00 00 00 40 08 00 00 00 00 00 00 "
+                                  "00 00 00 00");
+  const std::string blocks = Bytes("FE FE FE FE 40 00 00 00 52 00 00 00 00 00 00 00" + noLock) +
+                             empty + ChecksumOf(empty) +
+                             Bytes("FE FE FE FE 90 00 00 00 4E 00 00 00 00 00 00 00" + noLock) +
+                             table + ChecksumOf(table);
+  const std::string file = ReadBytes(study.DataPath());
+  EXPECT_EQ(Hex(file.substr(static_cast<std::size_t>(old) - 28)), Hex(blocks));
+  EXPECT_EQ(HexAt(study.DataPath(), 0, 16), Hex(Bytes(HexWord(old - 28) + HexWord(next - 28 + 144) +
+                                                      "28 00 00 00" + HexWord(next - 28))));
 }
 
 TEST_F(DesignPoints, HaveTheKeyOfOne) {
-  TwoPoints(study.Pod()).PutObject();
+  CGPoint points = TwoPoints(study.Pod());
+  points.PutObject();
   study.Close();
   EXPECT_EQ(ReadRawTree(ReadRawFile(study.IndexPath()), 14),
-            (std::map<std::string, long>{{"          1", 132}}));
+            (std::map<std::string, long>{{"          1", points.ObjectAddress()}}));
 }
 
 TEST_F(DesignPoints, AreReadBackAfterReopening) {
@@ -143,28 +148,24 @@ TEST_F(DesignPoints, ExistOnce) {
 }
 
 TEST_F(DesignPoints, OfVersionOneAreReadInFull) {
-  TwoPoints(study.Pod()).PutObject();
-  study.Close();
-  const std::string object = ReadRawFile(study.DataPath()).blocks[1].object;
-  const std::string older = object.substr(0, 8) + Bytes("01 00 00 00") + object.substr(12);
-  PatchBytes(study.DataPath(), 132, older + ChecksumOf(older));
-  study.Open();
-  ExpectTwoPoints(Stored());
+  CGPoint points = TwoPoints(study.Pod());
+  points.PutObject();
+  const std::string older = Bytes("01 00 00 00") + StoredRecord(points).substr(4);
+  CGPoint read(study.Pod());
+  read.Read(StoreRecord(study.Pod(), 15000, older));
+  ExpectTwoPoints(read);
 }
 
 TEST_F(DesignPoints, ThatEndTooEarlyAreCorrupt) {
   CGPoint points = TwoPoints(study.Pod());
   points.PutObject();
-  study.Close();
-  const std::string object = ReadRawFile(study.DataPath()).blocks[1].object;
-  for (const long count : {12L, 24L, 36L, 48L, 52L, 72L, 92L, 96L}) {
+  const std::string record = StoredRecord(points);
+  for (const std::size_t count : {4, 16, 28, 40, 44, 64, 84, 88}) {
     SCOPED_TRACE(count);
-    std::string hostile = object;
-    hostile.replace(static_cast<std::size_t>(count), 4, Bytes("FF FF FF 7F"));
-    PatchBytes(study.DataPath(), 132, hostile + ChecksumOf(hostile));
-    study.Open();
-    EXPECT_THROW(CGPoint(study.Pod()).GetObject(), CFileCorrupt);
-    study.Close();
+    std::string hostile = record;
+    hostile.replace(count, 4, Bytes("FF FF FF 7F"));
+    const long address = StoreRecord(study.Pod(), 15000, hostile);
+    EXPECT_THROW(CGPoint(study.Pod()).Read(address), CFileCorrupt);
   }
 }
 
@@ -364,8 +365,9 @@ TEST_F(DesignPoints, ThatAreMissingCannotBeReported) {
 }
 
 TEST_F(DesignPoints, ThatAreDamagedAreNeitherReportedNorPrintedInPart) {
+  const long address = Stored().ObjectAddress();
   study.Close();
-  PatchBytes(study.DataPath(), 80, "x");
+  PatchBytes(study.DataPath(), address + 12, "x");
   study.Open();
   std::FILE* stream = std::tmpfile();
   EXPECT_THROW(CGPoint::Dump(study.Pod(), stream), CChecksum);

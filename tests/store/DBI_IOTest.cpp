@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "control/DesignControl.h"
 #include "definition/GPoint.h"
 #include "store/KestErr.h"
 #include "store/vbdbase.h"
@@ -15,6 +16,7 @@
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/Log.h"
 #include "tests/support/RawFile.h"
+#include "tests/support/StoredRecord.h"
 #include "tests/support/Study.h"
 
 namespace {
@@ -38,7 +40,7 @@ class EntryPoints : public testing::Test {
 // ---- A fresh study ----
 
 /// Class IDs of the objects of a fresh study, in file order.
-const std::vector<long> singletonClasses = {15000};
+const std::vector<long> singletonClasses = {18000, 15000};
 
 TEST_F(EntryPoints, AFreshStudyHoldsExactlyItsSingletons) {
   OpenDatabase(folder / "study");
@@ -57,19 +59,28 @@ TEST_F(EntryPoints, AFreshStudyHoldsExactlyItsSingletons) {
   EXPECT_EQ(FaultOf(index), "");
 }
 
+/// A block of revision C in normal use.
+std::string BlockWith(const std::string& object) {
+  return Bytes("FE FE FE FE" + HexWord(static_cast<long>(28 + object.size() + 4)) +
+               "4E 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00") +
+         object + ChecksumOf(object);
+}
+
 TEST_F(EntryPoints, AFreshDataFileByteForByte) {
   OpenDatabase(folder / "study");
+  CDesignControl control(GetPOD());
+  ASSERT_TRUE(control.GetObject());
+  const std::string settings = Bytes("50 46 00 00 44 00 00 00") + StoredRecord(control);
   CloseDatabase();
+  // The settings' block of 28 + 8 + 1054 + 4 bytes is followed by that of the points, at 1134.
   const std::string fileHeader =
-      "00 00 00 00 68 00 00 00 28 00 00 00 28 00 00 00 56 42 44 42 41 53 45 43 B9 0B 00 00 "
+      "00 00 00 00 AE 04 00 00 28 00 00 00 6E 04 00 00 56 42 44 42 41 53 45 43 B9 0B 00 00 "
       "00 00 00 00 00 00 00 00 00 00 00 00";
-  const std::string blockHeader =
-      "FE FE FE FE 40 00 00 00 4E 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00";
-  const std::string designPoints =
-      "98 3A 00 00 44 00 00 00 02 00 00 00 "
+  const std::string points =
+      "98 3A 00 00 8A 04 00 00 02 00 00 00 "
       "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00";
   EXPECT_EQ(Hex(ReadBytes(folder / "study.ksb")),
-            Hex(Bytes(fileHeader + blockHeader + designPoints) + ChecksumOf(Bytes(designPoints))));
+            Hex(Bytes(fileHeader) + BlockWith(settings) + BlockWith(Bytes(points))));
 }
 
 TEST_F(EntryPoints, AFreshIndexHas25TreesOfOrder32) {

@@ -90,10 +90,11 @@ TEST_F(Objects, AssignmentLeavesDatabaseAndAddress) {
 // ---- Finding and reading ----
 
 TEST_F(Objects, WriteAttachesTheObjectToItsBlock) {
+  const long address = study.NextObject();
   PlainRecord record = Plain(1, "text");
   EXPECT_TRUE(record.Write());
-  EXPECT_EQ(record.ObjectAddress(), 132);
-  EXPECT_EQ(StatusAt(132), 'N');
+  EXPECT_EQ(record.ObjectAddress(), address);
+  EXPECT_EQ(StatusAt(address), 'N');
 }
 
 TEST_F(Objects, FindObjectAttachesAndLoadsNothing) {

@@ -19,11 +19,9 @@ namespace {
 
 class Records : public testing::Test {
  protected:
-  long StoreBytes(const std::string& object) { return ::StoreBytes(study.Pod(), object); }
-
   /// Stores a sample record: `fields` start with its version.
   long StoreSample(const std::string& fields) {
-    return StoreBytes(Bytes("D8 59 00 00 84 00 00 00" + fields));
+    return StoreRecord(study.Pod(), 23000, Bytes(fields));
   }
 
   long StorePlain(int id, const std::string& text) {
@@ -168,10 +166,10 @@ TEST_F(Records, ThatEndWithinAFieldAreCorrupt) {
       Bytes("C0 5D 00 00 84 00 00 00 01 00 00 00 05 00 00 00 02 00 00 00 61 62");
   for (std::size_t size = 4; size < whole.size(); ++size) {
     SCOPED_TRACE(size);
-    ExpectCorruptFields(InMemory(1), StoreBytes(whole.substr(0, size)));
+    ExpectCorruptFields(InMemory(1), StoreBytes(study.Pod(), whole.substr(0, size)));
   }
   PlainRecord record = InMemory(1);
-  record.Read(StoreBytes(whole));
+  record.Read(StoreBytes(study.Pod(), whole));
   EXPECT_EQ(record.m_strText, "ab");
 }
 
@@ -179,9 +177,9 @@ TEST_F(Records, WithATextLongerThanTheRecordAreCorrupt) {
   const CLock lock(study.Pod(), 0);
   for (const char* length : {"04 00 00 00", "00 00 10 00", "FF FF FF 7F", "FF FF FF FF"}) {
     SCOPED_TRACE(length);
-    ExpectCorruptFields(InMemory(1),
-                        StoreBytes(Bytes("C0 5D 00 00 84 00 00 00 01 00 00 00 05 00 00 00" +
-                                         std::string(length) + "61 62 63")));
+    ExpectCorruptFields(InMemory(1), StoreRecord(study.Pod(), 24000,
+                                                 Bytes("01 00 00 00 05 00 00 00" +
+                                                       std::string(length) + "61 62 63")));
   }
 }
 

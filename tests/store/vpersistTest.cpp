@@ -40,27 +40,25 @@ template class vbPersistentClass<ListRecord>;
 
 namespace {
 
-// In a fresh study the design points end at 104, where the next block goes.
-constexpr std::size_t nextBlock = 104;
-constexpr long nextObject = 132;
-
 const std::string normalBlock = "4E 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ";
 
 class StoredForm : public testing::Test {
  protected:
-  /// The bytes of the study's second block, as hex.
-  std::string SecondBlock() {
+  /// The bytes of the first block behind those of a fresh study, as hex.
+  std::string NewBlock() {
     study.Close();
-    return Hex(ReadBytes(study.DataPath()).substr(nextBlock));
+    return Hex(ReadBytes(study.DataPath()).substr(static_cast<std::size_t>(address) - 28));
   }
 
   Study study;
+  const long address = study.NextObject();
 };
 
-/// The bytes of a block, as hex: `head` are check word and length, `object` is all but the
-/// checksum.
-std::string BlockOf(const std::string& head, const std::string& object) {
-  const std::string bytes = Bytes(object);
+/// The bytes of a block, as hex: `head` are check word and length, `classID`, `address` and
+/// `record` are the object.
+std::string BlockOf(const std::string& head, const std::string& classID, long address,
+                    const std::string& record) {
+  const std::string bytes = Bytes(classID + HexWord(address) + record);
   return Hex(Bytes(head + normalBlock) + bytes + ChecksumOf(bytes));
 }
 
@@ -78,20 +76,19 @@ TEST_F(StoredForm, OfEveryKindOfField) {
   record.m_nSinceTwo = 9;
   EXPECT_EQ(record.ObjectLength(), 92U);
   ASSERT_TRUE(record.Write());
-  EXPECT_EQ(record.ObjectAddress(), nextObject);
-  EXPECT_EQ(SecondBlock(), BlockOf("FE FE FE FE 84 00 00 00",
-                                   "D8 59 00 00 84 00 00 00 "  // class 23000, object address
-                                   "02 00 00 00 "              // version
-                                   "05 00 00 00 02 00 00 00 98 BA DC FE "
-                                   "3F F0 00 00 00 00 00 00 "
-                                   "02 00 00 00 61 62 "
-                                   "02 00 00 00 01 00 00 00 FF FF FF FF "
-                                   "01 00 00 00 3F E0 00 00 00 00 00 00 "
-                                   "02 00 00 00 01 00 00 00 78 01 00 00 00 00 "
-                                   "02 00 00 00 "
-                                   "01 00 00 00 3F F0 00 00 00 00 00 00 "
-                                   "00 00 00 00 "
-                                   "09 00 00 00"));
+  EXPECT_EQ(record.ObjectAddress(), address);
+  EXPECT_EQ(NewBlock(), BlockOf("FE FE FE FE 84 00 00 00", "D8 59 00 00", address,  // class 23000
+                                "02 00 00 00 "                                      // version
+                                "05 00 00 00 02 00 00 00 98 BA DC FE "
+                                "3F F0 00 00 00 00 00 00 "
+                                "02 00 00 00 61 62 "
+                                "02 00 00 00 01 00 00 00 FF FF FF FF "
+                                "01 00 00 00 3F E0 00 00 00 00 00 00 "
+                                "02 00 00 00 01 00 00 00 78 01 00 00 00 00 "
+                                "02 00 00 00 "
+                                "01 00 00 00 3F F0 00 00 00 00 00 00 "
+                                "00 00 00 00 "
+                                "09 00 00 00"));
 }
 
 TEST_F(StoredForm, OfARecordWithNothingInIt) {
@@ -99,13 +96,13 @@ TEST_F(StoredForm, OfARecordWithNothingInIt) {
   record.m_nID = 1;
   EXPECT_EQ(record.ObjectLength(), 49U);
   ASSERT_TRUE(record.Write());
-  EXPECT_EQ(SecondBlock(), BlockOf("FE FE FE FE 59 00 00 00",
-                                   "D8 59 00 00 84 00 00 00 02 00 00 00 "
-                                   "01 00 00 00 00 00 00 00 00 00 00 00 "
-                                   "00 00 00 00 00 00 00 00 "
-                                   "01 00 00 00 00 "
-                                   "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
-                                   "F9 FF FF FF"));
+  EXPECT_EQ(NewBlock(), BlockOf("FE FE FE FE 59 00 00 00", "D8 59 00 00", address,
+                                "02 00 00 00 "
+                                "01 00 00 00 00 00 00 00 00 00 00 00 "
+                                "00 00 00 00 00 00 00 00 "
+                                "01 00 00 00 00 "
+                                "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
+                                "F9 FF FF FF"));
 }
 
 TEST_F(StoredForm, OfAnEmptyListTakes52Bytes) {
@@ -114,8 +111,8 @@ TEST_F(StoredForm, OfAnEmptyListTakes52Bytes) {
   EXPECT_EQ(list.ObjectLength(), 12U);
   ASSERT_TRUE(list.Write());
   EXPECT_EQ(study.Pod()->DataFile()->VBLength(list.ObjectAddress()), 52U);
-  EXPECT_EQ(SecondBlock(), BlockOf("FE FE FE FE 34 00 00 00",
-                                   "A8 61 00 00 84 00 00 00 01 00 00 00 07 00 00 00 00 00 00 00"));
+  EXPECT_EQ(NewBlock(), BlockOf("FE FE FE FE 34 00 00 00", "A8 61 00 00", address,
+                                "01 00 00 00 07 00 00 00 00 00 00 00"));
 }
 
 TEST_F(StoredForm, OfAListIsTwelveBytesAndItsTexts) {
@@ -124,12 +121,12 @@ TEST_F(StoredForm, OfAListIsTwelveBytesAndItsTexts) {
   list.m_vstrTexts = {"four", "", "x"};
   EXPECT_EQ(list.ObjectLength(), 12U + 8 + 5 + 5);
   ASSERT_TRUE(list.Write());
-  EXPECT_EQ(SecondBlock(), BlockOf("FE FE FE FE 46 00 00 00",
-                                   "A8 61 00 00 84 00 00 00 01 00 00 00 07 00 00 00 "
-                                   "03 00 00 00 "
-                                   "04 00 00 00 66 6F 75 72 "
-                                   "01 00 00 00 00 "
-                                   "01 00 00 00 78"));
+  EXPECT_EQ(NewBlock(), BlockOf("FE FE FE FE 46 00 00 00", "A8 61 00 00", address,
+                                "01 00 00 00 07 00 00 00 "
+                                "03 00 00 00 "
+                                "04 00 00 00 66 6F 75 72 "
+                                "01 00 00 00 00 "
+                                "01 00 00 00 78"));
 }
 
 TEST_F(StoredForm, OfAKeyIsTextAddressAndClass) {
@@ -141,7 +138,7 @@ TEST_F(StoredForm, OfAKeyIsTextAddressAndClass) {
   // The root of tree 22: one key, no child on its left or right.
   EXPECT_EQ(HexAt(study.IndexPath(), 1068 + 22 * 2396, 84),
             Hex(Bytes("01 00 00 00 00 00 00 00 00 00 00 00") + "          5          2" +
-                std::string(42, '\0') + Bytes("84 00 00 00 D8 59 00 00")));
+                std::string(42, '\0') + Bytes(HexWord(address) + "D8 59 00 00")));
 }
 
 TEST_F(StoredForm, OfAnEmptyStringTakesFiveBytesAndReadsBackEmpty) {
@@ -305,7 +302,7 @@ TEST_F(Parts, AStringOverTheEndOfTheFileIsAReadFailure) {
 TEST_F(Parts, AnObjectHeaderIsClassIDAndAddress) {
   const vbINT32 address = NewBlock(20);
   record.WriteObjectHeader({15000, address}, address);
-  EXPECT_EQ(Stored(address, 8), "98 3A 00 00 84 00 00 00");
+  EXPECT_EQ(Stored(address, 8), Hex(Bytes("98 3A 00 00" + HexWord(address))));
   Patch(address, "98 3A 00 00 FF FF FF FF");
   vbObjectHeader header;
   record.ReadObjectHeader(header, address);

@@ -48,16 +48,14 @@ namespace {
 
 class Versions : public testing::Test {
  protected:
-  long StoreBytes(const std::string& object) { return ::StoreBytes(study.Pod(), object); }
-
   /// Stores a sample record: `fields` start with its version.
   long StoreSample(const std::string& fields) {
-    return StoreBytes(Bytes("D8 59 00 00 84 00 00 00" + fields));
+    return StoreRecord(study.Pod(), 23000, Bytes(fields));
   }
 
   LateRecord ReadLate(const std::string& fields) {
     LateRecord record(study.Pod());
-    record.Read(StoreBytes(Bytes("A8 61 00 00 84 00 00 00" + fields)));
+    record.Read(StoreRecord(study.Pod(), 25000, Bytes(fields)));
     return record;
   }
 
@@ -150,7 +148,7 @@ TEST_F(Versions, AnOldOneIsCompletedAfterReading) {
 }
 
 TEST_F(Versions, OneOfAnUnknownLayoutIsRefusedAndNamed) {
-  const long address = StoreBytes(Bytes("A8 61 00 00 84 00 00 00 02 00 00 00 07 00 00 00"));
+  const long address = StoreRecord(study.Pod(), 25000, Bytes("02 00 00 00 07 00 00 00"));
   LateRecord record(study.Pod());
   record.m_nID = 1;
   ClearLog();

@@ -132,8 +132,9 @@ TEST_F(Walks, FindTheObjectsOfTheirOwnClassOnly) {
   StoreOther(1);
   CGPoint points(study.Pod());
   EXPECT_EQ(points.CountObjects(), 1);
-  EXPECT_EQ(points.FirstObject(0), 68);
-  EXPECT_EQ(points.NextObject(68), 0);
+  ASSERT_TRUE(points.GetObject());
+  EXPECT_EQ(points.FirstObject(0), points.ObjectAddress());
+  EXPECT_EQ(points.NextObject(points.ObjectAddress()), 0);
 }
 
 TEST_F(Walks, PassOverObjectsLargerThanTheirWindow) {

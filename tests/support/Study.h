@@ -4,6 +4,7 @@
 
 #include "store/DBI_IO.h"
 #include "store/pod.h"
+#include "store/vbdbase.h"
 #include "tests/support/TempFolder.h"
 
 /// A study of its own for a test: "study.ksb" and "study.kx" in a temporary folder, opened at the
@@ -29,6 +30,8 @@ class Study {
   }
 
   POD* Pod() const { return GetPOD(); }
+  /// The object address of the next new block, unless a free block is taken for it.
+  long NextObject() const { return Pod()->DataFile()->FileHeader().EndOfFile + 28; }
   std::string BasePath() const { return folder / "study"; }
   std::string DataPath() const { return folder / "study.ksb"; }
   std::string IndexPath() const { return folder / "study.kx"; }
