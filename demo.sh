@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Stores a table of design points in a study, and reads it back in a second process.
+# Stores a table of design points in a study, defines what they are about, checks the definitions, and
+# reads the study back, each in a process of its own.
 
 source "$(dirname "${BASH_SOURCE[0]}")/cmake/setup.sh"
 need "${build_packages[@]}"
@@ -16,8 +17,11 @@ trap 'rm -rf "$study"' EXIT
 step "Storing the design points of $points in a new study"
 "$program" store "$study" "$points"
 
+step "Defining the study of these points"
+"$program" define "$study"
+
 step "The study's files"
 ls -l "$study"
 
-step "Showing them, as a second process reads them from the study"
+step "Showing them, as another process reads them from the study"
 "$program" show "$study"

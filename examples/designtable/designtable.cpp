@@ -1,7 +1,8 @@
-// Keeps a table of design points in a study: the smallest useful caller of the library.
+// Keeps a table of design points in a study: a small but whole caller of the library.
 //
 //   designtable store FOLDER CSV   makes the study FOLDER/table and stores the points of CSV in it
-//   designtable show FOLDER        reads them back and prints the study's key figures
+//   designtable define FOLDER      adds what the points are about, prints it and checks it
+//   designtable show FOLDER        reads the points back and prints the study's key figures
 //
 // The CSV file starts with a line of column names; its last column is the measured response, all
 // others are design variables.
@@ -16,6 +17,8 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "definition.h"
 
 namespace {
 
@@ -59,6 +62,24 @@ void Store(const std::string& study, const std::string& table) {
   points.PutObject();
   CloseDatabase();
   std::printf("Stored %zu design points in %s.ksb\n", rows.size(), study.c_str());
+}
+
+void PrintCheck(const char* what) {
+  std::printf("\nChecking the study %s:\n", what);
+  const bool passes = CheckStudy();
+  std::printf("The study can%s be run.\n", passes ? "" : "not");
+}
+
+void Define(const std::string& study) {
+  fKLog = stdout;
+  OpenDatabase(study);
+  DefineStudy("Yield of a process, central composite design");
+  PrintDefinitions();
+  CrossBounds();
+  PrintCheck("with the bounds of a variable interchanged");
+  RestoreBounds();
+  PrintCheck("with the bounds put right");
+  CloseDatabase();
 }
 
 void PrintFile(const char* kind, vbDatabase& file) {
@@ -115,10 +136,12 @@ int main(int count, char** arguments) {
   try {
     if (words.size() == 3 && words[0] == "store") {
       Store(words[1] + "/table", words[2]);
+    } else if (words.size() == 2 && words[0] == "define") {
+      Define(words[1] + "/table");
     } else if (words.size() == 2 && words[0] == "show") {
       Show(words[1] + "/table");
     } else {
-      std::fprintf(stderr, "usage: designtable store FOLDER CSV | designtable show FOLDER\n");
+      std::fprintf(stderr, "usage: designtable store FOLDER CSV | define FOLDER | show FOLDER\n");
       return 2;
     }
   } catch (const std::exception& failure) {

@@ -93,12 +93,18 @@ TEST_F(EntryPoints, AFreshIndexHas25TreesOfOrder32) {
   EXPECT_EQ(ReadBytes(folder / "study.kx").size(), 60940U);
 }
 
+template <class Singleton>
+void ExpectMadeAgain(const std::string& base) {
+  OpenDatabase(base);
+  ASSERT_TRUE(Singleton(GetPOD()).RemoveObject());
+  OpenDatabase(base);
+  EXPECT_TRUE(Singleton(GetPOD()).FindObject());
+  EXPECT_EQ(Singleton(GetPOD()).CountObjects(), 1);
+}
+
 TEST_F(EntryPoints, AMissingSingletonIsMadeAgain) {
-  OpenDatabase(folder / "study");
-  ASSERT_TRUE(CGPoint(GetPOD()).RemoveObject());
-  OpenDatabase(folder / "study");
-  EXPECT_TRUE(CGPoint(GetPOD()).FindObject());
-  EXPECT_EQ(CGPoint(GetPOD()).CountObjects(), 1);
+  ExpectMadeAgain<CDesignControl>(folder / "study");
+  ExpectMadeAgain<CGPoint>(folder / "study");
 }
 
 TEST_F(EntryPoints, SingletonsThatAreThereStay) {

@@ -1,0 +1,15 @@
+#pragma once
+
+/// What the points of the table are about, as a user interface would store it in the open study:
+/// two variables between bounds, the measured yield, the yield net of cost, and what to run.
+void DefineStudy(const char* title);
+
+/// Checks the definitions before a run, in the order in which a user would repair them. True when
+/// they can be run; what is wrong goes to the log.
+bool CheckStudy();
+
+/// Interchanges the bounds of the first variable, and puts them right again.
+void CrossBounds();
+void RestoreBounds();
+
+void PrintDefinitions();
