@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <ostream>
 
 #include "environment/Logging.h"
 
@@ -19,6 +20,12 @@ void AddPrinted(const char* kind, const char* format, va_list arguments) {
 }
 
 }  // namespace
+
+std::ostream& operator<<(std::ostream& stream, const LogEntry& entry) {
+  stream << entry.kind << " \"" << entry.text << '"';
+  if (!entry.file.empty()) stream << " at " << entry.file << ':' << entry.line;
+  return stream;
+}
 
 const std::vector<LogEntry>& Log() {
   return Entries();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ struct LogEntry {
 
   bool operator==(const LogEntry&) const = default;
 };
+
+/// How a failed comparison shows it.
+std::ostream& operator<<(std::ostream& stream, const LogEntry& entry);
 
 /// What was logged since the start of the program or the last ClearLog.
 const std::vector<LogEntry>& Log();

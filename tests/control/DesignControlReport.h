@@ -1,0 +1,42 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "control/DesignControl.h"
+#include "tests/support/Study.h"
+
+/// The report of a study's design control.
+class DesignControlReport : public testing::Test {
+ protected:
+  DesignControlReport() : control(study.Pod()) {}
+
+  /// What Dump prints of the control once it is stored.
+  std::string Report() {
+    control.PutObject();
+    char* text = nullptr;
+    std::size_t size = 0;
+    std::FILE* stream = open_memstream(&text, &size);
+    CDesignControl::Dump(study.Pod(), stream);
+    std::fclose(stream);
+    std::string report(text, size);
+    std::free(text);
+    return report;
+  }
+
+  /// Expects the report to have these lines, or no line that starts so.
+  void ExpectLine(const std::string& line) {
+    const std::string report = Report();
+    EXPECT_NE(report.find('\n' + line + '\n'), std::string::npos) << line << "\nin:\n" << report;
+  }
+  void ExpectNoLine(const std::string& start) {
+    const std::string report = Report();
+    EXPECT_EQ(report.find('\n' + start), std::string::npos) << start << "\nin:\n" << report;
+  }
+
+  Study study;
+  CDesignControl control;
+};
