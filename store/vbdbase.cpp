@@ -109,6 +109,7 @@ LOG_AND_RETHROW
 void vbDatabase::Forget() {
   if (vbdFPTRClose(m_pFile) != 0) vbdFPTRClose(m_pFile);  // the second call frees the handle
   m_pFile = nullptr;
+  m_nKnownLength = 0;
   m_strFileName = vbDefaultFileName;
   m_bOpen = m_bReady = m_bReadable = m_bWriteable = false;
 }
@@ -223,6 +224,7 @@ void vbDatabase::Write(const void* buffer, unsigned long size, vbINT32 address, 
                     CalcChecksum(size, start, true)) {
     Throw<CChecksum>();
   }
+  if (verify) m_nKnownLength = std::max(m_nKnownLength, start + static_cast<long>(size));
 }
 LOG_AND_RETHROW
 
@@ -275,6 +277,7 @@ void vbDatabase::Refresh() try {
   RequireReady();
   BringOut();
   vbdFPTRRefresh(m_pFile);
+  m_nKnownLength = 0;
   m_nLastOperation = kHasSought;
 }
 LOG_AND_RETHROW

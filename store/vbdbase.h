@@ -290,7 +290,8 @@ class KESTDB_API vbDatabase {
   void ReadAt(void* buffer, unsigned long size, long address);
   void Forget();
 
-  bool IsGoodBlock(const vbBlockHeader& header, long address) const;
+  bool Reaches(long end);
+  bool IsGoodBlock(const vbBlockHeader& header, long address);
   vbBlockHeader RequireBlock(long address);
   vbBlockHeader RequireObject(vbINT32 address, vbINT32& block);
   vbINT32 Extend(unsigned long bytes);
@@ -320,6 +321,7 @@ class KESTDB_API vbDatabase {
   signed char m_RevisionLetter = 'C';
   vbFileHeader m_Header;
   vbdFPTR* m_pFile = nullptr;
+  long m_nKnownLength = 0;  ///< the file was found to be that long, or longer, under this lock
   int m_nLastOperation = 0;
   bool m_bOpen = false;
   bool m_bReady = false;

@@ -32,11 +32,19 @@ void vbDatabase::WriteBlockHdr(const vbBlockHeader& header, vbINT32 address) try
 }
 LOG_AND_RETHROW
 
+/// Whether the file is so long. What was seen once holds as long as the lock is held, for no file
+/// of ours gets shorter; asking the system for each block would be a quarter of the cost of a
+/// lookup.
+bool vbDatabase::Reaches(long end) {
+  if (end > m_nKnownLength) m_nKnownLength = Length();
+  return end <= m_nKnownLength;
+}
+
 /// A block that walks can step over: a length that holds its headers and lies within the file.
-bool vbDatabase::IsGoodBlock(const vbBlockHeader& header, long address) const {
+bool vbDatabase::IsGoodBlock(const vbBlockHeader& header, long address) {
   const long end = address + static_cast<long>(header.Length);
   if (!IsValid(header.CheckWord) || header.Length < BlockOverhead()) return false;
-  return end <= Length();
+  return Reaches(end);
 }
 
 /// The header of the good block at `address`; the file is left at its object.
@@ -90,7 +98,7 @@ vbINT32 vbDatabase::Extend(unsigned long bytes) {
   if (end > kLongestFile) return 0;
   // A header that names a place before the heap or, with blocks in it, behind the file is wrong.
   if (heap < static_cast<long>(FileHeaderSize()) || address < heap ||
-      (address > heap && address > Length())) {
+      (address > heap && !Reaches(address))) {
     Throw<CFileCorrupt>();
   }
   // The file gets its length at once: a small block is filled, a large one gets its last byte.
