@@ -20,6 +20,12 @@ constexpr std::array kHeaderFields{&vBtree::Order,     &vBtree::EntrySize, &vBtr
 using HeaderImage = std::array<vbINT32, kHeaderFields.size()>;
 static_assert(sizeof(HeaderImage) == 28);
 
+HeaderImage ImageOf(const vBtree& tree) {
+  HeaderImage image;
+  for (std::size_t i = 0; i < image.size(); ++i) image[i] = tree.*kHeaderFields[i];
+  return image;
+}
+
 /// A node in the file starts with these, then come the entries.
 struct NodeHeader {
   vbINT32 KeyCount;
@@ -109,6 +115,7 @@ void vBtree::ReadBtreeHeader() try {
   HeaderImage image;
   Database->Read(image.data(), sizeof image, HeaderAddress);
   for (std::size_t i = 0; i < image.size(); ++i) this->*kHeaderFields[i] = image[i];
+  stored_ = image;
   HeaderCurrent = true;
 }
 LOG_AND_RETHROW
@@ -116,12 +123,16 @@ LOG_AND_RETHROW
 void vBtree::WriteBtreeHeader() try {
   RequireDatabase();
   if (!Database->IsWriteable()) Throw<CFileNotReady>();
-  HeaderImage image;
-  for (std::size_t i = 0; i < image.size(); ++i) image[i] = this->*kHeaderFields[i];
+  const HeaderImage image = ImageOf(*this);
   Database->Write(image.data(), sizeof image, HeaderAddress, false, true);
+  stored_ = image;
   HeaderCurrent = true;
 }
 LOG_AND_RETHROW
+
+bool vBtree::HeaderDiffers() const {
+  return stored_ != ImageOf(*this);
+}
 
 void vBtree::ReadNode(BtreeNode& node, vbINT32 address) try {
   RequireDatabase();

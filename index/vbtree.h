@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "index/btnode.h"
 #include "index/dbasekey.h"
 #include "store/api.h"
@@ -38,6 +40,8 @@ class KESTDB_API vBtree {
   /// THROW CFileNotReady.
   void ReadBtreeHeader();
   void WriteBtreeHeader();
+  /// Whether the header is another than the one last read or written.
+  bool HeaderDiffers() const;
 
   /// THROWS CChecksum, CFileCorrupt for a node that is none of this tree's.
   void ReadNode(BtreeNode& node, vbINT32 address);
@@ -132,6 +136,8 @@ class KESTDB_API vBtree {
   void ReadChildren(const BtreeNode& parent, vbINT32 pos, BtreeNode& left, BtreeNode& right);
   void WriteFamily(const BtreeNode& parent, const BtreeNode& left, const BtreeNode& right);
   vbINT32 FreeEmptyNodes(kestdb::TreeWalk& walk, BtreeNode& node, vbINT32 child);
+
+  std::array<vbINT32, 7> stored_;  ///< the header as it was last read or written
 };
 
 /// The same class under the spelling that some callers know it by.

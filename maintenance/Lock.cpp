@@ -191,7 +191,9 @@ void CLock::StoreHeaders() const {
   if (IsOpen(index)) {
     failure.Run([&] {
       index->WriteFileHdr();
-      ForEachTree(*Pod, [](vBtree& tree) { tree.WriteBtreeHeader(); });
+      ForEachTree(*Pod, [](vBtree& tree) {
+        if (tree.HeaderDiffers()) tree.WriteBtreeHeader();
+      });
     });
   }
   if (IsOpen(data)) failure.Run([&] { data->Sync(); });

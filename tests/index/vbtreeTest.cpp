@@ -86,6 +86,20 @@ TEST(FreshIndexFile, RootsAreEmptyLeavesInTreeOrderFromTheHeapOn) {
   }
 }
 
+TEST(FreshIndexFile, AHeaderDiffersFromTheStoredOneWhileAFieldIsChanged) {
+  FreshIndex index;
+  vBtree& tree = *index.trees[3];
+  EXPECT_FALSE(tree.HeaderDiffers());
+  tree.EntryCount = 7;
+  EXPECT_TRUE(tree.HeaderDiffers());
+  tree.WriteBtreeHeader();
+  EXPECT_FALSE(tree.HeaderDiffers());
+  tree.Height = 4;
+  tree.ReadBtreeHeader();
+  EXPECT_FALSE(tree.HeaderDiffers());
+  EXPECT_EQ(tree.EntryCount, 7);
+}
+
 TEST(FreshIndexFile, RootBlockIsWrittenToTheByte) {
   FreshIndex index;
   EXPECT_EQ(HexAt(index.path, 1040, 36),
