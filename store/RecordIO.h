@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <type_traits>
+#include <valarray>
 #include <vector>
 
 #include "store/KestErr.h"
@@ -43,6 +44,22 @@ struct BlockOf;
 template <class Field>
 concept StoredScalar = std::is_same_v<Field, vbINT32> || std::is_same_v<Field, vbUINT32> ||
     std::is_same_v<Field, vbFLOAT64>;
+
+/// How an element of an array in memory stands in the file.
+template <class Element>
+struct StoredAs {
+  using type = Element;
+};
+template <>
+struct StoredAs<int> {
+  using type = vbINT32;
+};
+template <>
+struct StoredAs<double> {
+  using type = vbFLOAT64;
+};
+template <class Element>
+using Stored = typename StoredAs<Element>::type;
 
 /// An empty string is stored as one zero byte.
 inline std::size_t StoredLength(const std::string& text) {
@@ -80,6 +97,10 @@ class RecordMeter {
   void Add(const std::vector<Element>& elements) {
     length_ += sizeof(vbUINT32);
     for (const Element& element : elements) Add(element);
+  }
+  template <class Element>
+  void Add(const std::valarray<Element>& elements) {
+    length_ += sizeof(vbUINT32) + elements.size() * sizeof(Stored<Element>);
   }
 
   std::size_t length_ = 0;
@@ -131,6 +152,11 @@ class RecordWriter {
   void Add(const std::vector<Element>& elements) {
     AddCount(elements.size());
     for (const Element& element : elements) Add(element);
+  }
+  template <class Element>
+  void Add(const std::valarray<Element>& elements) {
+    AddCount(elements.size());
+    for (std::size_t i = 0; i < elements.size(); ++i) Add(Stored<Element>(elements[i]));
   }
 
   std::vector<char>& record_;
@@ -195,6 +221,13 @@ class FieldReader {
     if (count > source_.Left() / sizeof(vbUINT32)) Throw<CFileCorrupt>();
     elements.assign(count, Element());
     for (Element& element : elements) Take(element);
+  }
+  template <class Element>
+  void Take(std::valarray<Element>& elements) {
+    std::vector<Stored<Element>> stored;
+    Take(stored);
+    elements.resize(stored.size());
+    for (std::size_t i = 0; i < stored.size(); ++i) elements[i] = static_cast<Element>(stored[i]);
   }
   template <class Element>
   void TakeOver(std::vector<Element>& elements) {

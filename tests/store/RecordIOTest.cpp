@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <valarray>
 #include <vector>
 
 #include "store/KestErr.h"
@@ -93,6 +94,16 @@ TEST(RecordWriting, AVectorOfStringsIsACountAndTheStrings) {
   EXPECT_EQ(Written(Texts{"x", ""}), "02 00 00 00 01 00 00 00 78 01 00 00 00 00");
 }
 
+TEST(RecordWriting, AnArrayIsStoredAsAVectorOfItsPortableTypeIs) {
+  const std::string integers = "02 00 00 00 01 00 00 00 FE FF FF FF";
+  const std::string reals = "01 00 00 00 BF F0 00 00 00 00 00 00";
+  EXPECT_EQ(Written(std::valarray<vbINT32>{1, -2}), integers);
+  EXPECT_EQ(Written(std::valarray<int>{1, -2}), integers);
+  EXPECT_EQ(Written(std::valarray<vbFLOAT64>{-1.0}), reals);
+  EXPECT_EQ(Written(std::valarray<double>{-1.0}), reals);
+  EXPECT_EQ(Written(std::valarray<double>()), "00 00 00 00");
+}
+
 TEST(RecordWriting, RowsOfAVectorOfVectorsMayDiffer) {
   EXPECT_EQ(Written(std::vector<Integers>{{1, 2}, {}, {3}}),
             "03 00 00 00 "
@@ -127,6 +138,11 @@ TEST(RecordLength, IsTheSumOfTheFields) {
   EXPECT_EQ(Length(Reals(3)), 28U);
   EXPECT_EQ(Length(Texts{"abc", ""}), 16U);
   EXPECT_EQ(Length(std::vector<Reals>{{1.0}, {}, {1.0, 2.0}}), 40U);
+}
+
+TEST(RecordLength, OfAnArrayIsThatOfItsPortableElements) {
+  EXPECT_EQ(Length(std::valarray<int>{1, 2}), 12U);
+  EXPECT_EQ(Length(std::valarray<double>{1, 2}), 20U);
 }
 
 TEST(RecordLength, CountsFieldsOfEveryVersion) {
@@ -164,6 +180,18 @@ TEST(RecordReading, Vectors) {
   EXPECT_EQ(Taken<Texts>("02 00 00 00 01 00 00 00 78 01 00 00 00 00"), (Texts{"x", ""}));
   EXPECT_EQ(Taken<std::vector<Integers>>("02 00 00 00 00 00 00 00 01 00 00 00 03 00 00 00"),
             (std::vector<Integers>{{}, {3}}));
+}
+
+TEST(RecordReading, Arrays) {
+  const auto integers = Taken<std::valarray<int>>("02 00 00 00 01 00 00 00 FE FF FF FF");
+  ASSERT_EQ(integers.size(), 2U);
+  EXPECT_EQ(integers[0], 1);
+  EXPECT_EQ(integers[1], -2);
+  const auto reals = Taken<std::valarray<double>>("01 00 00 00 BF F0 00 00 00 00 00 00");
+  ASSERT_EQ(reals.size(), 1U);
+  EXPECT_EQ(reals[0], -1.0);
+  EXPECT_EQ(Taken<std::valarray<vbFLOAT64>>("00 00 00 00").size(), 0U);
+  EXPECT_THROW(Taken<std::valarray<double>>("02 00 00 00 BF F0 00 00 00 00 00 00"), CFileCorrupt);
 }
 
 TEST(RecordReading, WhatAFieldHeldBeforeIsGone) {
