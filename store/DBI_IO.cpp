@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "control/DesignControl.h"
+#include "definition/DBCtrl.h"
 #include "definition/GPoint.h"
 #include "environment/Utilities.h"
 #include "index/KSBKey.h"
@@ -65,6 +66,7 @@ void MakeIfMissing() {
 
 /// Writes the singleton objects that the study lacks.
 void MakeSingletons() {
+  MakeIfMissing<CDBCtrl>();
   MakeIfMissing<CDesignControl>();
   MakeIfMissing<CGPoint>();
 }

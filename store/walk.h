@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include "index/KSBKey.h"
@@ -23,21 +24,29 @@ bool LoadByID(Class& object, long id) {
   return id > 0 && object.m_nID == id && object.GetObject();
 }
 
+/// Visits the keys of the class in their order, until `visit(key)` returns false.
+template <class Class, class Visit>
+void VisitKeys(POD* pod, Visit visit) {
+  vBtree* tree = pod->Index(Class(pod).GetVBClassIndex());
+  if (tree == nullptr) Throw<CNullPtr>();
+  KSBKey next;
+  KSBKey work;
+  bool found = tree->FindFirst(next, true);
+  while (found) {
+    const KSBKey key = next;
+    found = tree->FindNext(next, work, true);
+    if (!visit(key)) return;
+  }
+}
+
 /// Visits the objects in the order of their keys, until `visit(object)` returns false.
 template <class Class, class Visit>
 void VisitInIndexOrder(POD* pod, Visit visit) {
-  vBtree* tree = pod->Index(Class(pod).GetVBClassIndex());
-  if (tree == nullptr) Throw<CNullPtr>();
-  KSBKey key;
-  KSBKey work;
-  bool found = tree->FindFirst(key, true);
-  while (found) {
-    const vbINT32 address = key.ObjectAddress;
-    found = tree->FindNext(key, work, true);
+  VisitKeys<Class>(pod, [&](const KSBKey& key) {
     Class object(pod);
-    object.ReadObject(address);
-    if (!visit(object)) return;
-  }
+    object.ReadObject(key.ObjectAddress);
+    return visit(object);
+  });
 }
 
 /// Copies of all objects of the class, in the order of their keys.
@@ -76,12 +85,13 @@ bool RemoveAllObjects(POD* pod) {
   return removed;
 }
 
-/// The IDs of all objects of the class, in the order of their keys.
+/// The IDs of all objects of a class whose key is its ID, in the order of their keys. No object is
+/// read.
 template <class Class>
 std::vector<int> AllIDs(POD* pod) {
   std::vector<int> ids;
-  VisitInIndexOrder<Class>(pod, [&ids](const Class& object) {
-    ids.push_back(static_cast<int>(long{object.m_nID}));
+  VisitKeys<Class>(pod, [&ids](const KSBKey& key) {
+    ids.push_back(std::atoi(key.ObjectName));
     return true;
   });
   return ids;

@@ -408,11 +408,19 @@ TEST_F(Inputs, ThatAreDamagedFailAndReleaseTheLock) {
   study.Close();
   PatchBytes(study.DataPath(), input.ObjectAddress() + 20, "x");
   study.Open();
-  std::vector<int> ids;
   EXPECT_THROW(CInput::CheckInputs(study.Pod()), CChecksum);
   EXPECT_FALSE(std::filesystem::exists(study.LockPath()));
-  EXPECT_THROW(CInput::GetAllInputIDs(study.Pod(), ids), CChecksum);
-  EXPECT_FALSE(std::filesystem::exists(study.LockPath()));
+}
+
+TEST_F(Inputs, ThatAreDamagedAreStillListed) {
+  CInput input = FilledInput(study.Pod());
+  ASSERT_TRUE(input.PutObject());
+  study.Close();
+  PatchBytes(study.DataPath(), input.ObjectAddress() + 20, "x");
+  study.Open();
+  std::vector<int> ids;
+  CInput::GetAllInputIDs(study.Pod(), ids);
+  EXPECT_EQ(ids, (std::vector<int>{static_cast<int>(input.m_nID.PackBits())}));
 }
 
 TEST_F(Inputs, CannotBeReportedToANullStream) {

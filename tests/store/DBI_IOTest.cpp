@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "control/DesignControl.h"
+#include "definition/DBCtrl.h"
 #include "definition/GPoint.h"
 #include "store/KestErr.h"
 #include "store/vbdbase.h"
@@ -40,7 +41,7 @@ class EntryPoints : public testing::Test {
 // ---- A fresh study ----
 
 /// Class IDs of the objects of a fresh study, in file order.
-const std::vector<long> singletonClasses = {18000, 15000};
+const std::vector<long> singletonClasses = {16000, 18000, 15000};
 
 TEST_F(EntryPoints, AFreshStudyHoldsExactlyItsSingletons) {
   OpenDatabase(folder / "study");
@@ -70,17 +71,21 @@ TEST_F(EntryPoints, AFreshDataFileByteForByte) {
   OpenDatabase(folder / "study");
   CDesignControl control(GetPOD());
   ASSERT_TRUE(control.GetObject());
-  const std::string settings = Bytes("50 46 00 00 44 00 00 00") + StoredRecord(control);
+  const std::string settings = Bytes("50 46 00 00 84 00 00 00") + StoredRecord(control);
   CloseDatabase();
-  // The settings' block of 28 + 8 + 1054 + 4 bytes is followed by that of the points, at 1134.
+  // The counters' block of 64 bytes at 40, the settings' of 28 + 8 + 1054 + 4 at 104, the points' at
+  // 1198.
   const std::string fileHeader =
-      "00 00 00 00 AE 04 00 00 28 00 00 00 6E 04 00 00 56 42 44 42 41 53 45 43 B9 0B 00 00 "
+      "00 00 00 00 EE 04 00 00 28 00 00 00 AE 04 00 00 56 42 44 42 41 53 45 43 B9 0B 00 00 "
       "00 00 00 00 00 00 00 00 00 00 00 00";
+  const std::string counters =
+      "80 3E 00 00 44 00 00 00 02 00 00 00 "
+      "01 00 00 00 01 00 00 00 01 00 00 00 01 00 00 00 00 00 00 00";
   const std::string points =
-      "98 3A 00 00 8A 04 00 00 02 00 00 00 "
+      "98 3A 00 00 CA 04 00 00 02 00 00 00 "
       "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00";
   EXPECT_EQ(Hex(ReadBytes(folder / "study.ksb")),
-            Hex(Bytes(fileHeader) + BlockWith(settings) + BlockWith(Bytes(points))));
+            Hex(Bytes(fileHeader) + BlockWith(Bytes(counters)) + BlockWith(settings) + BlockWith(Bytes(points))));
 }
 
 TEST_F(EntryPoints, AFreshIndexHas25TreesOfOrder32) {
@@ -103,6 +108,7 @@ void ExpectMadeAgain(const std::string& base) {
 }
 
 TEST_F(EntryPoints, AMissingSingletonIsMadeAgain) {
+  ExpectMadeAgain<CDBCtrl>(folder / "study");
   ExpectMadeAgain<CDesignControl>(folder / "study");
   ExpectMadeAgain<CGPoint>(folder / "study");
 }
