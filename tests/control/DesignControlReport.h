@@ -7,6 +7,7 @@
 #include <string>
 
 #include "control/DesignControl.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 /// The report of a study's design control.
@@ -17,14 +18,7 @@ class DesignControlReport : public testing::Test {
   /// What Dump prints of the control once it is stored.
   std::string Report() {
     control.PutObject();
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CDesignControl::Dump(study.Pod(), stream);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CDesignControl::Dump(study.Pod(), stream); });
   }
 
   /// Expects the report to have these lines, or no line that starts so.

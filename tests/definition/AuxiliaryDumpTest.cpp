@@ -8,6 +8,7 @@
 #include "definition/Auxiliary.h"
 #include "store/KestErr.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 // The report of all definitions.
@@ -85,14 +86,7 @@ class AuxiliaryReport : public testing::Test {
   void StoreSampleSet() { StoreSet(3, "gauge", {0.1, 0.25, 1e30}); }
 
   std::string Report() {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CAuxiliary::Dump(study.Pod(), stream);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CAuxiliary::Dump(study.Pod(), stream); });
   }
 
   Study study;

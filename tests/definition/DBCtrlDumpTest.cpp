@@ -10,6 +10,7 @@
 #include "store/KestErr.h"
 #include "task/Task.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 // The report of the control object.
@@ -21,14 +22,7 @@ class ControlObjectReport : public testing::Test {
   ControlObjectReport() { CDBCtrl(study.Pod()).PutObject(); }
 
   std::string Report() {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CDBCtrl::Dump(study.Pod(), stream);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CDBCtrl::Dump(study.Pod(), stream); });
   }
 
   Study study;

@@ -11,6 +11,7 @@
 #include "store/KestErr.h"
 #include "store/vbdbase.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Printed.h"
 #include "tests/support/RawFile.h"
 #include "tests/support/StoredRecord.h"
 #include "tests/support/Study.h"
@@ -201,20 +202,7 @@ const std::string reportEnd =
 
 /// What CGPoint::Dump prints.
 std::string Report(POD* pod) {
-  char* text = nullptr;
-  std::size_t size = 0;
-  std::FILE* stream = open_memstream(&text, &size);
-  try {
-    CGPoint::Dump(pod, stream);
-  } catch (...) {
-    std::fclose(stream);
-    std::free(text);
-    throw;
-  }
-  std::fclose(stream);
-  std::string report(text, size);
-  std::free(text);
-  return report;
+  return Printed([pod](std::FILE* stream) { CGPoint::Dump(pod, stream); });
 }
 
 TEST_F(DesignPoints, ReportOfAnEmptyTable) {

@@ -10,6 +10,7 @@
 #include "definition/Input.h"
 #include "store/KestErr.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 // The report of all Inputs.
@@ -74,14 +75,7 @@ class InputReport : public testing::Test {
 
   /// What CInput::Dump prints.
   std::string Report() {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CInput::Dump(study.Pod(), stream);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CInput::Dump(study.Pod(), stream); });
   }
 
   Study study;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "definition/Resp.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 /// A study whose responses are reported, and the fixed parts of the report.
@@ -58,14 +59,7 @@ class RespReports : public testing::Test {
   }
 
   std::string Report() {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    EXPECT_NO_THROW(CResp::Dump(study.Pod(), stream));
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CResp::Dump(study.Pod(), stream); });
   }
 
   Study study;

@@ -14,6 +14,7 @@
 #include "task/DVar.h"
 #include "tests/results/PointFields.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 // The report of a design point.
@@ -61,14 +62,7 @@ class PointReport : public testing::Test {
   }
 
   std::string Report(int number = 0) {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CDPoint::Dump(study.Pod(), stream, 1, number);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CDPoint::Dump(study.Pod(), stream, 1, number); });
   }
   /// Takes copies, which have no connection.
   void Store(CDVar vars, CDResp resps, CDPoint point) {

@@ -10,6 +10,7 @@
 #include "results/Message.h"
 #include "store/KestErr.h"
 #include "tests/support/Bytes.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 // The report of a task's messages.
@@ -34,14 +35,7 @@ class MessageReport : public testing::Test {
   }
 
   std::string Report(int task) {
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CMessage::Dump(study.Pod(), stream, task);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed([&](std::FILE* stream) { CMessage::Dump(study.Pod(), stream, task); });
   }
 
   /// The report of task 1 with these messages.

@@ -9,6 +9,7 @@
 #include "results/Message.h"
 #include "results/Result.h"
 #include "task/Task.h"
+#include "tests/support/Printed.h"
 #include "tests/support/Study.h"
 
 /// Task 1, its result and its messages, stored when a report is asked for, and the result of
@@ -27,14 +28,8 @@ class Summary : public testing::Test {
   }
   std::string Report(bool subIterations = false) {
     Store();
-    char* text = nullptr;
-    std::size_t size = 0;
-    std::FILE* stream = open_memstream(&text, &size);
-    CResult::Dump(study.Pod(), stream, 1, subIterations);
-    std::fclose(stream);
-    std::string report(text, size);
-    std::free(text);
-    return report;
+    return Printed(
+        [&](std::FILE* stream) { CResult::Dump(study.Pod(), stream, 1, subIterations); });
   }
   /// The line of the report that begins so, without that beginning.
   std::string LineBehind(const std::string& beginning) {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+/// What `print(stream)` writes to the stream.
+template <class Print>
+std::string Printed(Print print) {
+  char* text = nullptr;
+  std::size_t size = 0;
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(open_memstream(&text, &size), std::fclose);
+  const std::unique_ptr<char*, void (*)(char**)> release(&text,
+                                                         [](char** held) { std::free(*held); });
+  print(stream.get());
+  stream.reset();
+  return std::string(text, size);
+}
