@@ -21,6 +21,21 @@ const char* kestdb::RandomParameterText(const vbINT32& parameter) {
   }
 }
 
+const char* kestdb::DistributionText(long distribution) {
+  switch (distribution) {
+    case 0:
+      return "  Normal Distribution ";
+    case 1:
+      return " Uniform Distribution ";
+    case 2:
+      return "LogNormal Distribution";
+    case 3:
+      return " Weibull Distribution ";
+    default:
+      return "         ????         ";
+  }
+}
+
 void kestdb::PrintHeading(std::FILE* stream, const char* title,
                           std::initializer_list<const char*> lines) {
   PrintBar(stream, '-');

@@ -28,6 +28,9 @@ inline const char* YesOrNo(const vbINT32& flag) {
 /// The text for a parameter of a distribution.
 const char* RandomParameterText(const vbINT32& parameter);
 
+/// The text for a distribution.
+const char* DistributionText(long distribution);
+
 /// A title between two bars, and the lines of a table's head.
 void PrintHeading(std::FILE* stream, const char* title, std::initializer_list<const char*> lines);
 

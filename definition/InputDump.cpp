@@ -38,21 +38,6 @@ const char* AuxiliaryCode(const CInput& input) {
   return input.m_nType == 0 || input.m_nType == 3 ? "????" : TypeCode(input);
 }
 
-const char* DistributionText(const vbINT32& distribution) {
-  switch (distribution) {
-    case 0:
-      return "  Normal Distribution ";
-    case 1:
-      return " Uniform Distribution ";
-    case 2:
-      return "LogNormal Distribution";
-    case 3:
-      return " Weibull Distribution ";
-    default:
-      return "         ????         ";
-  }
-}
-
 void PrintInputs(std::FILE* stream, const Inputs& inputs) {
   std::fprintf(stream, "                                Input Objects\n");
   kestdb::PrintBar(stream, '=');
@@ -103,7 +88,7 @@ void PrintRandom(std::FILE* stream, const Inputs& inputs) {
       [&](const CInput& input) {
         std::fprintf(stream, "%5d  %10.10s  %22.22s  %22.22s\n", ToInt(input.m_nID),
                      input.m_strName.c_str(), kestdb::RandomParameterText(input.m_nRandomParam),
-                     DistributionText(input.m_nDistribution));
+                     kestdb::DistributionText(input.m_nDistribution));
       });
 }
 

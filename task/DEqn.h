@@ -33,7 +33,8 @@ class KESTDB_API CDEqn : public vbPersistentClass<CDEqn> {
   void AddEqn(CAuxiliary& function);
 
   /// Prints a task's table, or nothing when it has none.
-  /// THROWS CNullPtr for a null argument or a database without files, CNoIndex.
+  /// THROWS CNullPtr for a null argument or a database without files, CNoIndex; CInvalidArgument
+  /// for columns that don't fit each other.
   static void Dump(POD* pod, std::FILE* stream, int nTask);
 
   vbINT32 m_nID;  ///< The task; the key

@@ -32,7 +32,8 @@ class KESTDB_API CDObj : public vbPersistentClass<CDObj> {
   double Eval(int i, double x) const;
 
   /// Prints a task's table, or nothing when it has none.
-  /// THROWS CNullPtr for a null argument or a database without files, CNoIndex.
+  /// THROWS CNullPtr for a null argument or a database without files, CNoIndex; CObjectNotFound
+  /// without the table of a subject, CInvalidArgument for columns that don't fit each other.
   static void Dump(POD* pod, std::FILE* stream, int nTask);
 
   vbINT32 m_nID;  ///< The task; the key

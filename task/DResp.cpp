@@ -161,3 +161,22 @@ void CDResp::GetConstrBounds(std::vector<double>& indLower, std::vector<double>&
   }
 }
 LOG_AND_RETHROW
+
+void CDResp::IDRespObjects(std::vector<int>& ids, std::vector<int>& kinds,
+                           std::vector<int>& positions, std::vector<int>& sizes,
+                           std::vector<int>& entries) const try {
+  const auto idsOf = [this](int kind) -> const std::vector<vbINT32>& {
+    switch (kind) {
+      case vbIndependentResp:
+        return m_vnIndIDs;
+      case vbLinkedResp:
+        return m_vnLinkIDs;
+      case vbSyntheticResp:
+        return m_vnSynIDs;
+      default:
+        Throw<CInvalidType>();
+    }
+  };
+  kestdb::FoldEntries(m_vnSeq, m_vnType, idsOf, ids, kinds, positions, sizes, entries);
+}
+LOG_AND_RETHROW

@@ -62,6 +62,12 @@ class KESTDB_API CDResp : public vbPersistentClass<CDResp> {
                        std::vector<double>& synLower, std::vector<double>& synLowerScale,
                        std::vector<double>& synUpper, std::vector<double>& synUpperScale);
 
+  /// The responses that the entries came from, in transfer order: ID, kind, position of the first
+  /// element in the tables of the kind, number of elements, and number of the first entry.
+  /// THROWS CInvalidType for an entry of another kind.
+  void IDRespObjects(std::vector<int>& ids, std::vector<int>& kinds, std::vector<int>& positions,
+                     std::vector<int>& sizes, std::vector<int>& entries) const;
+
   /// Prints a task's table, or nothing when it has none.
   /// THROWS CNullPtr for a null argument or a database without files, CNoIndex; CInvalidType,
   /// CInvalidSubject and CObjectNotFound for tables that don't fit each other.

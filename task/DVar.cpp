@@ -2,6 +2,7 @@
 
 #include "store/KestErr.h"
 #include "store/PersistentClassImpl.h"
+#include "task/Task.h"
 #include "task/TaskTables.h"
 
 // The record of a task's design variables. Report: DVarDump.cpp; making: TaskVars.cpp.
@@ -124,3 +125,24 @@ void CDVar::SetIndIDs(const std::vector<int>& ids) {
 void CDVar::SetConstIDs(const std::vector<int>& ids) {
   kestdb::CopyElements(ids, m_vnConstIDs);
 }
+
+void CDVar::IDInputObjects(std::vector<int>& ids, std::vector<int>& kinds,
+                           std::vector<int>& positions, std::vector<int>& sizes,
+                           std::vector<int>& entries) const try {
+  const auto idsOf = [this](int kind) -> const std::vector<vbINT32>& {
+    switch (kind) {
+      case vbIndependentVar:
+        return m_vnIndIDs;
+      case vbLinkedVar:
+        return m_vnLinkIDs;
+      case vbSyntheticVar:
+        return m_vnSynIDs;
+      case vbConstantVar:
+        return m_vnConstIDs;
+      default:
+        Throw<CInvalidType>();
+    }
+  };
+  kestdb::FoldEntries(m_vnSeq, m_vnType, idsOf, ids, kinds, positions, sizes, entries);
+}
+LOG_AND_RETHROW

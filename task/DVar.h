@@ -57,6 +57,12 @@ class KESTDB_API CDVar : public vbPersistentClass<CDVar> {
   void SetIndIDs(const std::vector<int>& ids);
   void SetConstIDs(const std::vector<int>& ids);
 
+  /// The Inputs that the entries came from, in transfer order: ID, kind, position of the first
+  /// element in the tables of the kind, number of elements, and number of the first entry.
+  /// THROWS CInvalidType for an entry of another kind.
+  void IDInputObjects(std::vector<int>& ids, std::vector<int>& kinds, std::vector<int>& positions,
+                      std::vector<int>& sizes, std::vector<int>& entries) const;
+
   /// Prints a task's table, or nothing when it has none.
   /// THROWS CNullPtr for a null argument or a database without files, CNoIndex; CInvalidType,
   /// CInvalidSubject and CObjectNotFound for tables that don't fit each other.

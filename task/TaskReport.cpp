@@ -38,21 +38,6 @@ const std::string& kestdb::VariableName(const CDVar& vars, int kind, long positi
   }
 }
 
-const char* kestdb::DistributionText(long distribution) {
-  switch (distribution) {
-    case 0:
-      return "  Normal Distribution ";
-    case 1:
-      return " Uniform Distribution ";
-    case 2:
-      return "LogNormal Distribution";
-    case 3:
-      return " Weibull Distribution ";
-    default:
-      return "         ????         ";
-  }
-}
-
 long kestdb::PositionOf(const std::vector<vbINT32>& ids, const vbINT32& id) {
   const auto place = std::find(ids.begin(), ids.end(), id);
   return place == ids.end() ? -1 : static_cast<long>(place - ids.begin());

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "definition/DefinitionReport.h"
 #include "store/vbscalar.h"
 #include "task/DVar.h"
 #include "task/TaskTables.h"
@@ -47,9 +48,6 @@ std::vector<Entry> EntriesOf(const Table& table, const std::vector<vbINT32>& par
 /// The name of a variable. THROWS CInvalidType for a kind that is no variable's, CInvalidArgument
 /// for a position outside the kind's table.
 const std::string& VariableName(const CDVar& vars, int kind, long position);
-
-/// The text for a distribution of a random variable.
-const char* DistributionText(long distribution);
 
 /// The position of an auxiliary definition's ID in a table of them; -1 when it isn't there.
 long PositionOf(const std::vector<vbINT32>& ids, const vbINT32& id);

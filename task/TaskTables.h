@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "store/KestErr.h"
@@ -42,6 +43,32 @@ inline std::vector<std::vector<vbINT32>> OnesFor(
   std::vector<std::vector<vbINT32>> lengths;
   for (const auto& row : arguments) lengths.emplace_back(row.size(), 1);
   return lengths;
+}
+
+/// The definitions that flattened entries came from, in the order of their first entries: ID, kind,
+/// position of the first element, number of elements, and the first entry. The elements of a
+/// definition may stand apart. `idsOf(kind)` gives a kind's table of IDs; it THROWS for no kind.
+template <class IDsOf>
+void FoldEntries(const std::vector<vbINT32>& seq, const std::vector<vbINT32>& type, IDsOf idsOf,
+                 std::vector<int>& ids, std::vector<int>& kinds, std::vector<int>& positions,
+                 std::vector<int>& sizes, std::vector<int>& entries) {
+  for (auto* column : {&ids, &kinds, &positions, &sizes, &entries}) column->clear();
+  std::unordered_map<int, std::size_t> places;
+  for (std::size_t entry = 0; entry < type.size(); ++entry) {
+    const int kind = static_cast<int>(long{type[entry]});
+    const long position = ElementAt(seq, static_cast<long>(entry));
+    const int id = static_cast<int>(long{ElementAt(idsOf(kind), position)});
+    const auto [place, isNew] = places.try_emplace(id, ids.size());
+    if (!isNew) {
+      ++sizes[place->second];
+      continue;
+    }
+    ids.push_back(id);
+    kinds.push_back(kind);
+    positions.push_back(static_cast<int>(position));
+    sizes.push_back(1);
+    entries.push_back(static_cast<int>(entry));
+  }
 }
 
 }  // namespace kestdb
