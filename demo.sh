@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Stores a table of design points in a study, defines what they are about, checks the definitions, and
-# reads the study back, each in a process of its own.
+# Stores a table of design points in a study, defines what they are about, checks the definitions,
+# makes a task of them, and reads the study back, each in a process of its own.
 
 source "$(dirname "${BASH_SOURCE[0]}")/cmake/setup.sh"
 need "${build_packages[@]}"
@@ -19,6 +19,9 @@ step "Storing the design points of $points in a new study"
 
 step "Defining the study of these points"
 "$program" define "$study"
+
+step "Making a task of the study"
+"$program" make "$study"
 
 step "The study's files"
 ls -l "$study"

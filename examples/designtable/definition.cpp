@@ -61,6 +61,18 @@ void DefineNetYield() {
   net.PutObject();
 }
 
+/// The table holds a value for each response: that of the link is worked out from the measured one.
+void CompletePoints() {
+  CGPoint points(GetPOD());
+  points.GetObject();
+  for (std::size_t i = 0; i < points.m_vDVars.size(); ++i) {
+    const double x = points.m_vDVars[i][0];
+    const double yield = points.m_vResps[i][0];
+    points.m_vResps[i] = {yield, yield - 0.5 * x};
+  }
+  points.PutObject();
+}
+
 /// A full quadratic model of the yield, from the points of the table.
 void DefineRun(const char* title) {
   CDesignControl control(GetPOD());
@@ -84,12 +96,14 @@ void SetBounds(double lower, double upper) {
 
 bool CheckRun() {
   constexpr int variables = 2;
-  constexpr int responses = 1;
+  constexpr int independentResponses = 1;
+  constexpr int responses = 2;
   constexpr int objectives = 1;
   CGPoint points(GetPOD());
   points.GetObject();
-  return CDesignControl::CheckDesignControl(GetPOD(), true, true, variables, 0, 0, responses,
-                                            objectives, 0, points.NumUsedGPoints(), 0, 0, 0) &&
+  return CDesignControl::CheckDesignControl(GetPOD(), true, true, variables, 0, 0,
+                                            independentResponses, objectives, 0,
+                                            points.NumUsedGPoints(), 0, 0, 0) &&
          CGPoint::CheckGPoints(GetPOD(), variables, responses);
 }
 
@@ -100,6 +114,7 @@ void DefineStudy(const char* title) {
   DefineVariable(kY, "y", 2);
   DefineYield();
   DefineNetYield();
+  CompletePoints();
   DefineRun(title);
 }
 
@@ -120,4 +135,18 @@ void PrintDefinitions() {
   CResp::Dump(GetPOD(), stdout);
   CAuxiliary::Dump(GetPOD(), stdout);
   CDesignControl::Dump(GetPOD(), stdout);
+}
+
+int MakeTask() {
+  CTask task(GetPOD());
+  task.DefineTask(true, true);
+  return static_cast<int>(task.m_nID.PackBits());
+}
+
+void PrintTask(int task) {
+  CDVar::Dump(GetPOD(), stdout, task);
+  CDResp::Dump(GetPOD(), stdout, task);
+  CDLink::Dump(GetPOD(), stdout, task);
+  CDPoint::Dump(GetPOD(), stdout, task, 0);
+  CResult::Dump(GetPOD(), stdout, task, false);
 }

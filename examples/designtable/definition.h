@@ -13,3 +13,9 @@ void CrossBounds();
 void RestoreBounds();
 
 void PrintDefinitions();
+
+/// Freezes the definitions into a task that a run engine can take. Its ID, 0 when there are faults.
+int MakeTask();
+
+/// The task's tables, and how its run went so far.
+void PrintTask(int task);

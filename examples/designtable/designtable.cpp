@@ -2,6 +2,7 @@
 //
 //   designtable store FOLDER CSV   makes the study FOLDER/table and stores the points of CSV in it
 //   designtable define FOLDER      adds what the points are about, prints it and checks it
+//   designtable make FOLDER        makes a task of the study and prints it
 //   designtable show FOLDER        reads the points back and prints the study's key figures
 //
 // The CSV file starts with a line of column names; its last column is the measured response, all
@@ -82,6 +83,14 @@ void Define(const std::string& study) {
   CloseDatabase();
 }
 
+void Make(const std::string& study) {
+  fKLog = stdout;
+  OpenDatabase(study);
+  const int task = MakeTask();
+  if (task > 0) PrintTask(task);
+  CloseDatabase();
+}
+
 void PrintFile(const char* kind, vbDatabase& file) {
   vbINT32 deleted;
   vbINT32 removed;
@@ -138,10 +147,14 @@ int main(int count, char** arguments) {
       Store(words[1] + "/table", words[2]);
     } else if (words.size() == 2 && words[0] == "define") {
       Define(words[1] + "/table");
+    } else if (words.size() == 2 && words[0] == "make") {
+      Make(words[1] + "/table");
     } else if (words.size() == 2 && words[0] == "show") {
       Show(words[1] + "/table");
     } else {
-      std::fprintf(stderr, "usage: designtable store FOLDER CSV | define FOLDER | show FOLDER\n");
+      std::fprintf(
+          stderr,
+          "usage: designtable store FOLDER CSV | define FOLDER | make FOLDER | show FOLDER\n");
       return 2;
     }
   } catch (const std::exception& failure) {
