@@ -211,8 +211,8 @@ class VariableCheck {
     return LowerBoundOf(vars_, first_, Kind(i), EntryAt(vars_.m_vnSeq, i, 0));
   }
   int DistributionOf(std::size_t i) const {
-    return static_cast<int>(
-        long{ElementAt(vars_.m_vnRandDist, EntryAt(vars_.m_vnRandIndex, i, -1))});
+    const int variable = EntryAt(vars_.m_vnRandIndex, i, -1);
+    return EntryAt(vars_.m_vnRandDist, static_cast<std::size_t>(variable), 0);
   }
   std::string Name(std::size_t i) const;
 
