@@ -48,7 +48,9 @@ ArgumentDefinition AsArgument(const CInput& input) {
 
 ArgumentDefinition AsArgument(const CResp& resp) {
   const auto size = static_cast<long>(static_cast<unsigned long>(resp.m_uSize));
-  return {resp.m_nType, size, KindOfResp(resp.m_nType), false, resp.m_strName};
+  constexpr int passFail = 3;  // an entry like any independent one, but no argument
+  const int kind = resp.m_nType == passFail ? 0 : KindOfResp(resp.m_nType);
+  return {resp.m_nType, size, kind, false, resp.m_strName};
 }
 
 PositionTable::PositionTable(const std::vector<vbINT32>& ids) {
@@ -91,7 +93,7 @@ void RequireLength(const ArgumentOwner& owner, const ArgumentList& list, std::si
 }
 
 ArgumentDefinition ArgumentResolver::Read(int id) {
-  return id < 0 ? AsArgument(inputs_.Get(-id)) : AsArgument(resps_.Get(id));
+  return id < 0 ? AsArgument(inputs_.Get(-long{id})) : AsArgument(resps_.Get(id));
 }
 
 ArgumentRow ArgumentResolver::Resolve(const ArgumentOwner& owner, const ArgumentList& list,
@@ -134,7 +136,7 @@ void CTask::ID2Index(int nOwner, std::string strName, std::vector<int>& vnID, in
   };
   for (std::size_t i = 0; i < vnArg.size(); ++i) {
     if (vnArg[i] == 0) continue;
-    const auto argument = vnArg[i] < 0 ? kestdb::AsArgument(inputs.Get(-vnArg[i]))
+    const auto argument = vnArg[i] < 0 ? kestdb::AsArgument(inputs.Get(-long{vnArg[i]}))
                                        : kestdb::AsArgument(resps.Get(vnArg[i]));
     kestdb::ResolveArgument({nOwner, strName}, list, i, argument, nType, nCode, positionOf, row);
   }

@@ -24,7 +24,7 @@ class DefinitionReader {
   explicit DefinitionReader(POD* pod) : pod_(pod) {}
 
   /// Stays where it is. THROWS CObjectNotFound.
-  const Definition& Get(int id) {
+  const Definition& Get(long id) {
     const auto [place, isNew] = read_.try_emplace(id, pod_);
     if (isNew && !LoadByID(place->second, id)) {
       read_.erase(place);
@@ -35,7 +35,7 @@ class DefinitionReader {
 
  private:
   POD* pod_;
-  std::unordered_map<int, Definition> read_;
+  std::unordered_map<long, Definition> read_;
 };
 
 /// The kind of the entries that a definition becomes; 0 for a type that there isn't.

@@ -17,7 +17,9 @@ namespace {
 
 using kestdb::ElementAt;
 
-/// The next position of each kind, as definitions are walked in transfer order.
+/// The next position of each kind, as definitions are walked in transfer order. Kept: positions are
+/// counted definition by definition, also where the entries of a random array of the same kind as
+/// its parameters stand between theirs.
 class RunningPositions {
  public:
   long Next(int kind) { return next_[At(kind)]++; }

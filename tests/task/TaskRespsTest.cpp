@@ -244,27 +244,27 @@ TEST_F(TaskResponses, ThatAreLinkedTakeAllVariablesAndIndependentResponses) {
   MakeAllVariables();
   PutAllResps();
   PutResp(45, 1,
-          Arguments{{-21, -22, -23, -24, -25, -26, -27, 41, 42, 43, 44, 46, 0},
-                    {2, 0, 0, 0, 0, 1, 0, 1, 0, 1, 1, 1, 1},
+          Arguments{{-21, -22, -23, -24, -25, -26, -27, 41, 42, 44, 46, 0},
+                    {2, 0, 0, 0, 0, 1, 0, 1, 0, 1, 1, 1},
                     {}});
   SetupAllResps();
   const auto resps = Stored<CDResp>();
-  EXPECT_EQ(resps.m_mnLinkSubj, (IntRows{{}, {3, 0, 4, 1, 1, 1, 2, 2, 0, 0, 0, 0, 0}}));
-  EXPECT_EQ(resps.m_mnLinkType, (IntRows{{}, {20, 20, 20, 21, 22, 23, 23, 24, 24, 0, 0, 0, 0}}));
+  EXPECT_EQ(resps.m_mnLinkSubj, (IntRows{{}, {3, 0, 4, 1, 1, 1, 2, 2, 0, 0, 0, 0}}));
+  EXPECT_EQ(resps.m_mnLinkType, (IntRows{{}, {20, 20, 20, 21, 22, 23, 23, 24, 24, 0, 0, 0}}));
 }
 
 TEST_F(TaskResponses, ThatAreSyntheticTakeLinkedOnesAsWell) {
   MakeAllVariables();
   PutAllResps();
   PutResp(47, 2,
-          Arguments{{-21, -22, -23, -24, -25, -26, -27, 41, 42, 43, 45, 46, 0},
-                    {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
-                    {2, 1, 1, 1, 1, 2, 1, 2, 1, 1, 1, 1, 1}});
+          Arguments{{-21, -22, -23, -24, -25, -26, -27, 41, 42, 45, 46, 0},
+                    {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
+                    {2, 1, 1, 1, 1, 2, 1, 2, 1, 1, 1, 1}});
   SetupAllResps();
   const auto resps = Stored<CDResp>();
-  EXPECT_EQ(resps.m_mnSynSubj, (IntRows{{}, {2, 0, 4, 1, 1, 0, 2, 1, 0, 0, 1, 0, 0}}));
-  EXPECT_EQ(resps.m_mnSynType, (IntRows{{}, {20, 20, 20, 21, 22, 23, 23, 24, 24, 0, 25, 0, 0}}));
-  EXPECT_EQ(resps.m_mnSynLen, (IntRows{{}, {2, 1, 1, 1, 1, 2, 1, 2, 1, 0, 1, 0, 0}}));
+  EXPECT_EQ(resps.m_mnSynSubj, (IntRows{{}, {2, 0, 4, 1, 1, 0, 2, 1, 0, 1, 0, 0}}));
+  EXPECT_EQ(resps.m_mnSynType, (IntRows{{}, {20, 20, 20, 21, 22, 23, 23, 24, 24, 25, 0, 0}}));
+  EXPECT_EQ(resps.m_mnSynLen, (IntRows{{}, {2, 1, 1, 1, 1, 2, 1, 2, 1, 1, 0, 0}}));
 }
 
 TEST_F(TaskResponses, OfAnArrayHaveTheirArgumentsAtEachElement) {
