@@ -73,8 +73,8 @@ TEST_F(EntryPoints, AFreshDataFileByteForByte) {
   ASSERT_TRUE(control.GetObject());
   const std::string settings = Bytes("50 46 00 00 84 00 00 00") + StoredRecord(control);
   CloseDatabase();
-  // The counters' block of 64 bytes at 40, the settings' of 28 + 8 + 1054 + 4 at 104, the points' at
-  // 1198.
+  // The counters' block of 64 bytes at 40, the settings' of 28 + 8 + 1054 + 4 at 104, the points'
+  // at 1198.
   const std::string fileHeader =
       "00 00 00 00 EE 04 00 00 28 00 00 00 AE 04 00 00 56 42 44 42 41 53 45 43 B9 0B 00 00 "
       "00 00 00 00 00 00 00 00 00 00 00 00";
@@ -85,7 +85,8 @@ TEST_F(EntryPoints, AFreshDataFileByteForByte) {
       "98 3A 00 00 CA 04 00 00 02 00 00 00 "
       "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00";
   EXPECT_EQ(Hex(ReadBytes(folder / "study.ksb")),
-            Hex(Bytes(fileHeader) + BlockWith(Bytes(counters)) + BlockWith(settings) + BlockWith(Bytes(points))));
+            Hex(Bytes(fileHeader) + BlockWith(Bytes(counters)) + BlockWith(settings) +
+                BlockWith(Bytes(points))));
 }
 
 TEST_F(EntryPoints, AFreshIndexHas25TreesOfOrder32) {
