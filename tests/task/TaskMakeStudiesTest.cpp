@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
+#include "tests/task/FunctionsStudy.h"
 #include "tests/task/MakeStudy.h"
+#include "tests/task/RandomStudy.h"
 
 // Whole studies, and all that a task of each one holds.
 
@@ -11,99 +10,7 @@ namespace {
 
 // ---- Arrays, links, synthetic functions ----
 
-/// Transfer order: k (integer), x (array of 3), c (constant), y (linked), z (synthetic array of 2),
-/// d (discrete); f (array of 2), g (linked), h (synthetic), p (pass/fail).
-class TaskMakeFunctions : public MakeStudy {
- protected:
-  void SetUp() override {
-    AddLink("weighted", {1.0, 2.0, 3.0});
-    AddEquation("area", "a,b", "a*b");
-    AddLink("spare", {0.0, 1.0});
-    AddEquation("total", "p,q", "p+q");
-    AddLink("difference", {0.0, 1.0, -1.0});
-    AddSet("plates", {1.0, 2.0, 4.0, 8.0});
-    AddInputs();
-    AddResps();
-    MakeWell();
-  }
-
-  void AddInputs() {
-    CInput x = Input("x");
-    x.m_uSize = 3;
-    x.m_fLower = 0.0;
-    x.m_fUpper = 10.0;
-    x.m_fInitial = 4.0;
-    AddAt(x, 2);
-    CInput c = Input("c", 3);
-    c.m_fInitial = 7.0;
-    AddAt(c, 5);
-    CInput y = Function(Input("y", 1), 1, {-1, -2});
-    y.m_vnIdx = {2, 0};
-    y.m_fLower = -1e30;
-    y.m_fUpper = 20.0;
-    AddAt(y, 6);
-    CInput z = Function(Input("z", 2), 2, {-1, -3});
-    z.m_vnIdx = {1, 0};
-    z.m_vnLength = {2, 1};
-    z.m_uSize = 2;
-    z.m_fLower = -0.5;
-    z.m_fUpper = 1e30;
-    AddAt(z, 7);
-    AddAt(IntegerObjective(), 1);
-    CInput d = Input("d", 4);
-    d.m_nAuxID = 6;
-    d.m_fLower = 1.5;
-    d.m_fUpper = 5.0;
-    d.m_fInitial = 1.75;
-    AddAt(d, 9);
-  }
-
-  CInput IntegerObjective() {
-    CInput k = Input("k", 5);
-    k.m_fLower = -2.5;
-    k.m_fUpper = 2.5;
-    k.m_fInitial = 2.25;
-    k.m_nUserScale = 1;
-    k.m_fScale = 2.0;
-    k.m_nObjective = 1;
-    k.m_nGoal = 2;
-    k.m_nHasWorst = 1;
-    k.m_fWorst = 4.0;
-    k.m_fTarget = 1.0;
-    k.m_fWeight = 0.5;
-    return k;
-  }
-
-  void AddResps() {
-    CResp f = Objective("f");
-    f.m_uSize = 2;
-    f.m_nGoal = 1;
-    f.m_nHasWorst = 1;
-    f.m_fWorst = 10.0;
-    f.m_fWeight = 3.0;
-    Add(f);
-    CResp g = Function(Constrained("g", 5.0, 1), 5, {-1, 1});
-    g.m_vnIdx = {1, 1};
-    g.m_nHasLower = 1;
-    g.m_fLower = -3.0;
-    g.m_nHasUpperScale = 1;
-    g.m_fUpperScale = 4.0;
-    Add(g);
-    CResp h = Function(Constrained("h", 0.25, 2), 4, {2, -4});
-    h.m_vnIdx = {0, 1};
-    Add(h);
-    CResp p = Constrained("p", 1.0, 3);
-    p.m_nConstraint = 0;
-    Add(p);
-  }
-
-  void AddAt(CInput input, unsigned long place) {
-    input.Connect(Pod());
-    Add(input);
-    input.m_uIndex = place;
-    input.PutObject();
-  }
-};
+using TaskMakeFunctions = FunctionsStudy;
 
 TEST_F(TaskMakeFunctions, TaskCountsThem) {
   const auto stored = Stored<CTask>(1);
@@ -240,52 +147,6 @@ TEST_F(TaskMakeFunctions, AuxiliaryTablesHoldWhatIsUsed) {
 }
 
 // ---- Random variables and responses ----
-
-/// m and s (mean and deviation, arrays of 2), u (not random), w1 to w3 (the parameters of a Weibull
-/// distribution, the third one constant); the probability of failure of the system, r with its
-/// deviation and its probability of failure (arrays of 2), f.
-class TaskMakeRandom : public MakeStudy {
- protected:
-  void SetUp() override {
-    AddRandom("m", 0, 2, -1, 2, {2.0, 9.0, 3.0});
-    AddRandom("s", 0, 2, -2, 2, {0.5, 2.0, 1.0});
-    Add(Input("u"));
-    AddRandom("w1", 0, 1, 0, 3, {0.0, 4.0, 1.0});
-    AddRandom("w2", 0, 1, 1, 3, {1.0, 5.0, 2.0});
-    AddRandom("w3", 3, 1, 2, 3, {-1.0, 1.0, 6.0});
-    AddRandom("pof", 1, -4);
-    AddRandom("r", 2, -1);
-    AddRandom("rs", 2, -2);
-    AddRandom("rp", 2, -3);
-    CResp f = Constrained("f", 7.0);
-    f.m_nObjective = 1;
-    Add(f);
-    MakeWell();
-  }
-
-  struct Values {
-    double lower, upper, initial;
-  };
-  void AddRandom(const std::string& name, int type, unsigned size, int parameter, int distribution,
-                 const Values& values) {
-    CInput input = Input(name, type);
-    input.m_uSize = size;
-    input.m_nRandom = 1;
-    input.m_nRandomParam = parameter;
-    input.m_nDistribution = distribution;
-    input.m_fLower = values.lower;
-    input.m_fUpper = values.upper;
-    input.m_fInitial = values.initial;
-    Add(input);
-  }
-  void AddRandom(const std::string& name, unsigned size, int parameter) {
-    CResp resp = Resp(name);
-    resp.m_uSize = size;
-    resp.m_nRandom = 1;
-    resp.m_nRandomParam = parameter;
-    Add(resp);
-  }
-};
 
 TEST_F(TaskMakeRandom, TaskCountsThem) {
   const auto task = Stored<CTask>(1);
