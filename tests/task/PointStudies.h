@@ -113,9 +113,7 @@ class TaskMakeUserPoints : public MakeStudy {
   }
   void ExpectPoints(int count) {
     EXPECT_EQ(CDPoint(Pod()).CountObjects(), count);
-    const auto result = Stored<CResult>(1);
-    EXPECT_EQ(result.m_nNumPoints, count);
-    EXPECT_EQ(result.m_nTotalPoints, count);
+    ExpectPointCount(Stored<CResult>(1), count);
     ExpectSoundFiles();
   }
 };
