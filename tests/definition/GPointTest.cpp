@@ -161,7 +161,7 @@ TEST_F(DesignPoints, ThatEndTooEarlyAreCorrupt) {
   CGPoint points = TwoPoints(study.Pod());
   points.PutObject();
   const std::string record = StoredRecord(points);
-  for (const std::size_t count : {4, 16, 28, 40, 44, 64, 84, 88}) {
+  for (const std::size_t count : {4UL, 16UL, 28UL, 40UL, 44UL, 64UL, 84UL, 88UL}) {
     SCOPED_TRACE(count);
     std::string hostile = record;
     hostile.replace(count, 4, Bytes("FF FF FF 7F"));
