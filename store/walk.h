@@ -24,6 +24,14 @@ bool LoadByID(Class& object, long id) {
   return id > 0 && object.m_nID == id && object.GetObject();
 }
 
+/// The object of that ID. THROWS a `Failure` when there is none.
+template <class Class, class Failure>
+Class RequireByID(POD* pod, long id) {
+  Class object(pod);
+  if (!LoadByID(object, id)) Throw<Failure>();
+  return object;
+}
+
 /// Visits the keys of the class in their order, until `visit(key)` returns false.
 template <class Class, class Visit>
 void VisitKeys(POD* pod, Visit visit) {

@@ -18,10 +18,7 @@ namespace {
 
 template <class Table>
 Table TableOf(const CTask& task) {
-  Table table(task.Database());
-  table.m_nID = task.m_nID;
-  if (!table.GetObject()) Throw<CObjectNotFound>();
-  return table;
+  return kestdb::RequireByID<Table, CObjectNotFound>(task.Database(), task.m_nID);
 }
 
 /// The definitions that the entries refer to.
@@ -46,8 +43,7 @@ Table MakeTable(const CTask& task, const std::set<int>& ids, const References& r
   table.m_nID = task.m_nID;
   for (const int id : ids) {
     if (!references.Hold(id)) continue;
-    CAuxiliary definition(task.Database());
-    if (!kestdb::LoadByID(definition, id)) Throw<CObjectNotFound>();
+    auto definition = kestdb::RequireByID<CAuxiliary, CObjectNotFound>(task.Database(), id);
     (table.*add)(definition);
   }
   table.PutObject();

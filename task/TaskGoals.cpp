@@ -38,9 +38,7 @@ template <class Definition, class Visit>
 void VisitInTransferOrder(POD* pod, const std::vector<int>& ids, Visit visit) {
   for (const int id : ids) {
     if (id < 1) continue;
-    Definition definition(pod);
-    if (!kestdb::LoadByID(definition, id)) Throw<CObjectNotFound>();
-    visit(definition);
+    visit(kestdb::RequireByID<Definition, CObjectNotFound>(pod, id));
   }
 }
 

@@ -7,6 +7,7 @@
 #include "results/DPoint.h"
 #include "results/Result.h"
 #include "store/KestErr.h"
+#include "store/walk.h"
 #include "task/DCons.h"
 #include "task/DResp.h"
 #include "task/DSet.h"
@@ -24,10 +25,7 @@ using kestdb::ElementAt;
 /// The record of a task. THROWS CGetObject.
 template <class Record>
 Record GetOf(POD* pod, int task) {
-  Record record(pod);
-  record.m_nID = task;
-  if (!record.GetObject()) Throw<CGetObject>();
-  return record;
+  return kestdb::RequireByID<Record, CGetObject>(pod, task);
 }
 
 void StorePointCount(POD* pod, int task, int count) {

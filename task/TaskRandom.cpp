@@ -5,6 +5,7 @@
 #include "maintenance/Lock.h"
 #include "results/DPoint.h"
 #include "store/KestErr.h"
+#include "store/walk.h"
 #include "task/DCons.h"
 #include "task/DResp.h"
 #include "task/DVar.h"
@@ -173,10 +174,7 @@ double LowerBoundOf(const CDVar& vars, const CDPoint& first, int kind, long seq)
 /// A record of a task. THROWS CObjectNotFound.
 template <class Record>
 Record RequireOf(POD* pod, const vbINT32& task) {
-  Record record(pod);
-  record.m_nID = task;
-  if (!record.GetObject()) Throw<CObjectNotFound>();
-  return record;
+  return kestdb::RequireByID<Record, CObjectNotFound>(pod, task);
 }
 
 CDPoint RequireFirstPoint(POD* pod, const vbINT32& task) {
