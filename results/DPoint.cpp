@@ -1,12 +1,10 @@
 #include "results/DPoint.h"
 
-#include <cstdint>
-#include <limits>
-
 #include "maintenance/Lock.h"
 #include "store/KestErr.h"
 #include "store/PersistentClassImpl.h"
 #include "store/podcheck.h"
+#include "store/walk.h"
 
 template <>
 struct kestdb::ClassOf<CDPoint> {
@@ -41,10 +39,6 @@ void CDPoint::RemoveDPoints(POD* pod, int taskID, int firstPoint) try {
   CDPoint point(pod);
   point.m_nTaskID = taskID;
   point.m_nPointID = firstPoint;
-  while (point.GetObject()) {
-    if (!point.RemoveObject()) Throw<CObjectNotRemoved>();
-    if (point.m_nPointID == std::numeric_limits<std::int32_t>::max()) return;
-    point.m_nPointID = point.m_nPointID + 1;
-  }
+  kestdb::RemoveNumbered(point, &CDPoint::m_nPointID, &vbPersistent::GetObject);
 }
 LOG_AND_RETHROW

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <vector>
 
 #include "index/KSBKey.h"
@@ -112,6 +114,20 @@ void RemoveAllBut(POD* pod, const std::vector<int>& ids) {
     if (std::find(ids.begin(), ids.end(), object.m_nID) == ids.end()) object.RemoveObject();
     return true;
   });
+}
+
+/// Removes the objects whose keys differ in `number` alone, from the number that `object` holds up
+/// to the first that `find` doesn't find. Whether there was any. THROWS CObjectNotRemoved.
+template <class Class>
+bool RemoveNumbered(Class& object, vbINT32 Class::*number, bool (vbPersistent::*find)()) {
+  bool removed = false;
+  while ((object.*find)()) {
+    if (!object.RemoveObject()) Throw<CObjectNotRemoved>();
+    removed = true;
+    if (object.*number == std::numeric_limits<std::int32_t>::max()) break;
+    object.*number = object.*number + 1;
+  }
+  return removed;
 }
 
 }  // namespace kestdb
