@@ -12,6 +12,7 @@
 #include "maintenance/Lock.h"
 #include "store/KestErr.h"
 #include "store/pod.h"
+#include "store/vpersist.h"
 
 // Walks over the objects of a class. They go on from what was found before an object is visited,
 // so that the visit may remove it. Each visit gets an object of its own: what an older record lacks
