@@ -1,7 +1,7 @@
 #include <cstdio>
-#include <initializer_list>
 #include <string>
 
+#include "control/ControlReport.h"
 #include "control/DesignControl.h"
 #include "maintenance/Lock.h"
 #include "store/KestErr.h"
@@ -10,19 +10,9 @@
 
 namespace {
 
-const char* YesOrNo(const vbINT32& flag) {
-  return flag != 0 ? "Yes" : "No";
-}
-
-int ToInt(const vbINT32& value) {
-  return static_cast<int>(long{value});
-}
-
-/// The word for a code that counts from 0.
-const char* WordFor(const vbINT32& code, std::initializer_list<const char*> words) {
-  if (code < 0 || code >= words.size()) return "Unknown";
-  return words.begin()[ToInt(code)];
-}
+using kestdb::FlagWord;
+using kestdb::ToInt;
+using kestdb::WordFor;
 
 const char* MethodWord(const vbINT32& method) {
   return WordFor(method, {"MMFD", "Unknown", "SLP", "SQP", "MEGZEF"});
@@ -31,32 +21,6 @@ const char* MethodWord(const vbINT32& method) {
 const char* GradientWord(const vbINT32& gradient) {
   if (gradient == -1) return "Central Difference";
   return WordFor(gradient, {"First-Forward Difference", "User Supplied"});
-}
-
-const char* DesignWord(const vbINT32& design) {
-  return WordFor(design,
-                 {"Factorial", "Composite", "Box-Behnken", "Plackett-Burman", "Notz", "Koshal",
-                  "Rechtschaffner", "Hybrid", "Three-Level Taguchi Orthogonal Arrays", "Simplex",
-                  "Random", "User Defined Design Points", "Latin (Std)", "Latin (Opt)"});
-}
-
-const char* InitialDesignWord(const vbINT32& design) {
-  switch (design) {
-    case 5:
-      return "Linear Koshal";
-    case 9:
-      return "Simplex";
-    case 10:
-      return "Linear Random";
-    case 11:
-      return "User Defined";
-    case 12:
-      return "Latin (Std)";
-    case 13:
-      return "Latin (Opt)";
-    default:
-      return "Unknown";
-  }
 }
 
 void PrintTitle(std::FILE* stream, const char* title) {
@@ -68,18 +32,15 @@ void PrintTitle(std::FILE* stream, const char* title) {
 /// The random analysis of a block.
 template <class Block>
 void PrintProbabilistic(std::FILE* stream, const Block& block) {
-  std::fprintf(
-      stream, "Probabilistic Analysis Type: %s\n",
-      WordFor(block.m_nRandomMethod,
-              {"Direct Monte-Carlo Sampling", "Latin Hypercube Sampling",
-               "Mean Value Approximation Method", "Approximate Direct Monte-Carlo Sampling",
-               "Approximate Latin Hypercube Sampling"}));
+  std::fprintf(stream, "Probabilistic Analysis Type: %s\n",
+               kestdb::RandomMethodWord(block.m_nRandomMethod));
   if (block.m_nRandomPoints >= 0) {
     std::fprintf(stream, "Number of Probabilistic Simulation Points: %d\n",
                  ToInt(block.m_nRandomPoints));
   }
-  std::fprintf(stream, "Probabilistic Simulation Points Saved: %s\n", YesOrNo(block.m_nSavePoints));
-  std::fprintf(stream, "Random Probabilistic Initial Seed: %s\n", YesOrNo(block.m_nRandomSeed));
+  std::fprintf(stream, "Probabilistic Simulation Points Saved: %s\n",
+               FlagWord(block.m_nSavePoints));
+  std::fprintf(stream, "Random Probabilistic Initial Seed: %s\n", FlagWord(block.m_nRandomSeed));
 }
 
 void PrintUnconstrainedMethod(std::FILE* stream, const vbINT32& method) {
@@ -136,14 +97,12 @@ void PrintGradients(std::FILE* stream, const CDGOControl& block) {
   std::fprintf(stream, "Absolute Minimum Finite Difference Step-Size: %g\n",
                double{block.m_fFDCHM});
   std::fprintf(stream, "Gradient Calculation: %s\n", GradientWord(block.m_nIGRAD));
-  std::fprintf(stream, "Store FD Step Analyses: %s\n", YesOrNo(block.m_nStoreFD));
-  std::fprintf(stream, "Multiple Starting Points : %s\n", YesOrNo(block.m_nMultiStart));
+  std::fprintf(stream, "Store FD Step Analyses: %s\n", FlagWord(block.m_nStoreFD));
+  std::fprintf(stream, "Multiple Starting Points : %s\n", FlagWord(block.m_nMultiStart));
   std::fprintf(stream, "Efficiency Level: ");
-  std::fprintf(stream, "%s\n",
-               WordFor(block.m_nSkip,
-                       {"Most Accurate", "Accurate", "Mixed", "Efficient", "Most Efficient"}));
+  std::fprintf(stream, "%s\n", kestdb::EfficiencyWord(block.m_nSkip));
   std::fprintf(stream, "Gradient Analysis Program: %s\n", block.m_strGradProgram.c_str());
-  std::fprintf(stream, "Call User Gradient Routine: %s\n", YesOrNo(block.m_nGradUserRoutine));
+  std::fprintf(stream, "Call User Gradient Routine: %s\n", FlagWord(block.m_nGradUserRoutine));
   std::fprintf(stream, "Arguments: %s\n", block.m_strGradArgs.c_str());
   std::fprintf(stream, "Gradient Design Variable Transfer File: %s\n",
                block.m_strGradVarFile.c_str());
@@ -194,18 +153,13 @@ void PrintGradientTask(std::FILE* stream, const CDGOControl& block) {
 }
 
 void PrintApproximations(std::FILE* stream, const CRSAControl& block) {
-  std::fprintf(stream, "Initial DOE: %s\n", InitialDesignWord(block.m_nInitialDOE));
+  std::fprintf(stream, "Initial DOE: %s\n", kestdb::InitialDesignWord(block.m_nInitialDOE));
   std::fprintf(stream, "Sub-Model Code: %d\n", ToInt(block.m_nSubModel));
   std::fprintf(stream, "Desired Order of the Approximations: %s\n",
-               WordFor(block.m_nOrder, {"Linear Terms Only", "Linear Terms and Interaction Terms",
-                                        "Linear and Quadratic Terms", "Full Quadratic",
-                                        "Forward Stepwise Regression"}));
+               kestdb::OrderWord(block.m_nOrder));
+  // Kept: the value for removal is not shown.
   if (block.m_nOrder == 4) {
-    std::fprintf(stream, "      P-value of Terms to Enter into the Model: %g\n",
-                 double{block.m_fPEnter});
-    // Kept: the value for removal is not shown.
-    std::fprintf(stream, " P-value of Terms to be Removed from the Model: %g\n",
-                 double{block.m_fPEnter});
+    kestdb::PrintPValues(stream, double{block.m_fPEnter}, double{block.m_fPEnter});
   }
   if (block.m_nHasMinPoints != 0) {
     std::fprintf(stream, "Minimum Number of Design Points to Evaluate: %d\n",
@@ -258,19 +212,14 @@ void PrintCodes(std::FILE* stream, const std::vector<vbINT32>& codes) {
 
 void PrintDesignTask(std::FILE* stream, const CDOEControl& block) {
   PrintTitle(stream, "                   Design of Experiments (DOE) Parameters\n");
-  std::fprintf(stream, "DOE Task: %s\n",
-               WordFor(block.m_nTask, {"Points Only", "Points and Responses",
-                                       "Points, Responses, and Approximation Models"}));
-  std::fprintf(stream, "Design Type: %s\n", DesignWord(block.m_nMethod));
+  std::fprintf(stream, "DOE Task: %s\n", kestdb::DesignTaskWord(block.m_nTask));
+  std::fprintf(stream, "Design Type: %s\n", kestdb::DesignWord(block.m_nMethod));
   std::fprintf(stream, "DOE Option Codes: ");
   PrintCodes(stream, block.m_vnOptions);
   std::fprintf(stream, "GUI Sub-Item Indices: ");
   PrintCodes(stream, block.m_vnGUIIndices);
   // Kept: the design picks the word, not the model.
-  std::fprintf(
-      stream, "Generated Approximation Models: %s\n",
-      WordFor(block.m_nMethod, {"Linear", "Linear with Interactions", "Linear and Quadratic",
-                                "Full Quadratic", "Mixed Forward Regression"}));
+  std::fprintf(stream, "Generated Approximation Models: %s\n", kestdb::ModelWord(block.m_nMethod));
   if (block.m_nDOptimal == 0) {
     std::fprintf(stream, "D-Optimal Design: No\n");
   } else {
@@ -292,8 +241,7 @@ void PrintDesignTask(std::FILE* stream, const CDOEControl& block) {
 void PrintGenetic(std::FILE* stream, const CNGOControl& block) {
   std::fprintf(
       stream, "----------------------- Genetic Algorithm Problem Parameters -------------------\n");
-  std::fprintf(stream, "Cross-Over Type: %s\n",
-               WordFor(block.m_nCrossType, {"Uniform", "Two Point"}));
+  std::fprintf(stream, "Cross-Over Type: %s\n", kestdb::CrossOverWord(block.m_nCrossType));
   std::fprintf(stream, "Probability of Performing Cross-Over: %g\n", double{block.m_fCrossProb});
   std::fprintf(stream, "Probability of Performing Mutation: %g\n", double{block.m_fMutProb});
 }
@@ -322,7 +270,7 @@ void PrintNonGradientTask(std::FILE* stream, const CNGOControl& block) {
     std::fprintf(stream, "Number of Iterations to Convergence: %d\n", ToInt(block.m_nConvIters));
     std::fprintf(stream, "Overall Minimize Flag: %s\n",
                  block.m_nMinimize == 1 ? "Minimize" : "Maximize");
-    std::fprintf(stream, "Use Fixed Random Seed: %s\n", YesOrNo(block.m_nFixedSeed));
+    std::fprintf(stream, "Use Fixed Random Seed: %s\n", FlagWord(block.m_nFixedSeed));
     std::fprintf(stream, "Absolute Hard Convergence Criterion: %g\n", double{block.m_fHardAbs});
     std::fprintf(stream, "Relative Hard Convergence Criteiron: %g\n", double{block.m_fHardRel});
     std::fprintf(stream, "Absolute Soft Convergence Criterion: %g\n", double{block.m_fSoftAbs});
@@ -345,8 +293,8 @@ void PrintProgram(std::FILE* stream, const CDesignControl& control) {
                "Design of Experiments", "Non-Gradient Based Optimization", "Analysis Only Task"}));
   std::fprintf(stream, "Title: %s\n", control.m_strTitle.c_str());
   std::fprintf(stream, "Analysis Program: %s\n", control.m_strProgram.c_str());
-  std::fprintf(stream, "Call User Routine: %s\n", YesOrNo(control.m_nUserRoutine));
-  std::fprintf(stream, "Use Approxmations: %s\n", YesOrNo(control.m_nUseApprox));
+  std::fprintf(stream, "Call User Routine: %s\n", FlagWord(control.m_nUserRoutine));
+  std::fprintf(stream, "Use Approxmations: %s\n", FlagWord(control.m_nUseApprox));
   std::fprintf(stream, "The Approxmation is from task: %d\n", ToInt(control.m_nApproxTask));
   std::fprintf(stream, "Arguments: %s\n", control.m_strArgs.c_str());
   std::fprintf(stream, "Design Variable Transfer File: %s\n", control.m_strVarFile.c_str());
@@ -355,8 +303,8 @@ void PrintProgram(std::FILE* stream, const CDesignControl& control) {
 
 void PrintRemote(std::FILE* stream, const CDesignControl& control) {
   const bool ssh = control.m_nUseSSH != 0;
-  std::fprintf(stream, "Run on Remote Machine: %s\n", YesOrNo(control.m_nRemote));
-  std::fprintf(stream, "Connect using SSH: %s\n", YesOrNo(control.m_nUseSSH));
+  std::fprintf(stream, "Run on Remote Machine: %s\n", FlagWord(control.m_nRemote));
+  std::fprintf(stream, "Connect using SSH: %s\n", FlagWord(control.m_nUseSSH));
   std::fprintf(stream, "Connect To Template: %s\n",
                (ssh ? control.m_strSSHConnect : control.m_strConnect).c_str());
   std::fprintf(stream, "Copy To Template: %s\n",

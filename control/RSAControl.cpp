@@ -2,6 +2,7 @@
 
 #include "control/CommonRules.h"
 #include "control/ControlBlockImpl.h"
+#include "store/report.h"
 
 template class vbControlBlock<CRSAControl>;
 
@@ -31,11 +32,9 @@ bool CRSAControl::CheckMaxMinPoints(int nVars) {
   }
 }
 
-namespace {
+using kestdb::ToInt;
 
-int ToInt(const vbINT32& value) {
-  return static_cast<int>(long{value});
-}
+namespace {
 
 void CheckPointLimits(kestdb::Rules& rules, const CRSAControl& block, int userPoints) {
   constexpr int userDefined = 11;

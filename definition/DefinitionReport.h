@@ -14,13 +14,6 @@
 
 namespace kestdb {
 
-inline int ToInt(const vbINT32& value) {
-  return static_cast<int>(long{value});
-}
-inline int ToInt(const vbUINT32& value) {
-  return static_cast<int>(static_cast<unsigned long>(value));
-}
-
 inline const char* YesOrNo(const vbINT32& flag) {
   return flag != 0 ? "  Yes " : "  No  ";
 }

@@ -4,9 +4,23 @@
 #include <cstdio>
 #include <string>
 
+#include "store/vbscalar.h"
+
 // What the fixed-layout reports have in common.
 
 namespace kestdb {
+
+// What a conversion of printf takes.
+
+inline int ToInt(long value) {
+  return static_cast<int>(value);
+}
+inline int ToInt(const vbINT32& value) {
+  return static_cast<int>(long{value});
+}
+inline int ToInt(const vbUINT32& value) {
+  return static_cast<int>(static_cast<unsigned long>(value));
+}
 
 /// A line of `width` signs.
 void PrintBar(std::FILE* stream, char sign, int width = 80);
