@@ -46,6 +46,11 @@ Shape ShapeOf(signed char letter) {
 const char vbDatabase::VBDSignature[8] = {'V', 'B', 'D', 'B', 'A', 'S', 'E', 'C'};
 const char vbDatabase::VBDSignatureOld[8] = {'V', 'B', 'D', 'F', 'I', 'L', 'E', 'A'};
 
+bool vbFileHeader::HasKnownSignature() const {
+  return std::memcmp(Signature, vbDatabase::VBDSignature, sizeof Signature) == 0 ||
+         std::memcmp(Signature, vbDatabase::VBDSignatureOld, sizeof Signature) == 0;
+}
+
 vbDatabase::~vbDatabase() noexcept(false) {
   const bool unwinding = std::uncaught_exceptions() > 0;
   try {
@@ -84,8 +89,7 @@ void vbDatabase::Open(const std::string& path, vbDatabaseAccessMode mode) try {
     Forget();  // closing would write a header into what may be none of our files
     throw;
   }
-  if (std::memcmp(m_Header.Signature, VBDSignature, sizeof m_Header.Signature) != 0 &&
-      std::memcmp(m_Header.Signature, VBDSignatureOld, sizeof m_Header.Signature) != 0) {
+  if (!m_Header.HasKnownSignature()) {
     m_bOpen = false;
     Throw<CWrongFileType>();
   }

@@ -50,6 +50,9 @@ struct vbFileHeader {
   char Signature[7]{};  ///< "VBDBASE", or "VBDFILE" in old files; no terminator
   signed char Revision = 0;
   vbINT32 Version;
+
+  /// Whether the file is one of ours, of whatever revision.
+  KESTDB_API bool HasKnownSignature() const;
 };
 static_assert(sizeof(vbFileHeader) == 28);
 
@@ -233,6 +236,12 @@ class KESTDB_API vbDatabase {
   bool ReadObjectChecksum(vbINT32 address, unsigned long* stored, unsigned long* calculated);
   vbUINT32 WriteObjectChecksum(vbINT32 address);
 
+  /// Makes a block for an object, which has at least its 8 bytes of header, puts the address into
+  /// that header, and writes block, object and checksum in one verified go. The object's address,
+  /// or 0 when there is no room. When it fails there is no new block.
+  /// THROWS CInvalidArgument for an object without a header.
+  vbINT32 StoreObject(std::vector<char>& object);
+
   /// Reads a whole object into `object` in one go and tells whether its checksum agrees.
   bool ReadWholeObject(vbINT32 address, std::vector<char>& object);
   /// Writes a whole object and its checksum in one verified go. REQUIRES that the object fills its
@@ -294,8 +303,11 @@ class KESTDB_API vbDatabase {
   bool IsGoodBlock(const vbBlockHeader& header, long address);
   vbBlockHeader RequireBlock(long address);
   vbBlockHeader RequireObject(vbINT32 address, vbINT32& block);
-  vbINT32 Extend(unsigned long bytes);
-  void InitBlock(vbINT32 address, unsigned long bytes, unsigned long zeros);
+  vbINT32 MakeBlock(unsigned long size, vbDatabaseReclaimMethod method, std::vector<char>* object);
+  vbINT32 Extend(unsigned long bytes, std::vector<char>* object);
+  void FillBlock(long address, unsigned long bytes, std::vector<char>* object, unsigned long zeros);
+  void FillReclaimed(const vbINT32& address, std::vector<char>& object);
+  void PutChecksum(const std::vector<char>& object, char* place) const;
 
   bool Splits(unsigned long length, unsigned long bytes) const;
   bool Fits(unsigned long length, unsigned long bytes) const;

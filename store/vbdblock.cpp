@@ -9,6 +9,13 @@
 
 namespace {
 
+/// The class ID and the object's own address.
+constexpr unsigned long kObjectHeader = 8;
+
+void PutAddress(std::vector<char>& object, const vbINT32& address) {
+  std::memcpy(object.data() + kObjectHeader - sizeof address, &address, sizeof address);
+}
+
 /// All that stands before the object of a block.
 struct BlockHeaders {
   vbBlockHeader block;
@@ -63,6 +70,22 @@ vbBlockHeader vbDatabase::RequireObject(vbINT32 address, vbINT32& block) {
 }
 
 vbINT32 vbDatabase::Alloc(unsigned long size, vbDatabaseReclaimMethod method) try {
+  const vbINT32 address = MakeBlock(size, method, nullptr);
+  return address == 0 ? address : SeekTo(address + static_cast<long>(VBHeaderSize()));
+}
+LOG_AND_RETHROW
+
+vbINT32 vbDatabase::StoreObject(std::vector<char>& object) try {
+  if (object.size() < kObjectHeader) Throw<CInvalidArgument>();
+  const vbINT32 address = MakeBlock(object.size(), vbReclaimFirstFit, &object);
+  return address == 0 ? address : vbINT32(address + static_cast<long>(VBHeaderSize()));
+}
+LOG_AND_RETHROW
+
+/// Makes a block for `size` bytes, filled with the object where there is one already. Its address,
+/// or 0 when there is no room.
+vbINT32 vbDatabase::MakeBlock(unsigned long size, vbDatabaseReclaimMethod method,
+                              std::vector<char>* object) {
   if (!m_bWriteable) Throw<CFileNotWriteable>();
   RequireReady();
   if (size > kLongestFile) return 0;
@@ -73,25 +96,36 @@ vbINT32 vbDatabase::Alloc(unsigned long size, vbDatabaseReclaimMethod method) tr
     if (method == vbReclaimFirstFit) address = ReclaimFirstFit(total);
     if (method == vbReclaimBestFit) address = ReclaimBestFit(total);
   }
-  if (address != 0) {
-    try {
-      InitBlock(address, total, 0);
-    } catch (...) {
-      m_Header.FreeSpace = head;  // the block is still what it was
-      throw;
-    }
-  } else {
-    address = Extend(total);
-    if (address == 0) return 0;
+  if (address == 0) return Extend(total, object);
+  try {
+    FillBlock(address, total, nullptr, 0);
+  } catch (...) {
+    m_Header.FreeSpace = head;  // the block is still what it was
+    throw;
   }
+  if (object != nullptr) FillReclaimed(address + static_cast<long>(VBHeaderSize()), *object);
   if (address > m_Header.HighestVB) m_Header.HighestVB = address;
-  return SeekTo(address + static_cast<long>(VBHeaderSize()));
+  return address;
 }
-LOG_AND_RETHROW
+
+/// Writes the object into a block that was free before, and is again when that fails.
+void vbDatabase::FillReclaimed(const vbINT32& address, std::vector<char>& object) {
+  PutAddress(object, address);
+  try {
+    WriteWholeObject(address, object);
+  } catch (...) {
+    try {
+      Delete(address, true);
+    } catch (...) {
+      // It is in the log; the first failure goes on.
+    }
+    throw;
+  }
+}
 
 /// Makes a block at the end of the file; 0 when the file would grow past its longest length. The
 /// file header in memory changes last, so that a failed write leaves no hole between the blocks.
-vbINT32 vbDatabase::Extend(unsigned long bytes) {
+vbINT32 vbDatabase::Extend(unsigned long bytes, std::vector<char>* object) {
   const long address = m_Header.EndOfFile;
   const long heap = m_Header.HeapStart;
   const long end = address + static_cast<long>(bytes);
@@ -104,24 +138,42 @@ vbINT32 vbDatabase::Extend(unsigned long bytes) {
   // The file gets its length at once: a small block is filled, a large one gets its last byte.
   const unsigned long rest = bytes - VBHeaderSize();
   const bool small = rest <= kFilledAtOnce;
-  if (!small) {
+  if (!small && object == nullptr) {
     const char last = 0;
     Write(&last, sizeof last, end - 1, false, true);
   }
-  InitBlock(address, bytes, small ? rest : 0);
+  FillBlock(address, bytes, object, small ? rest : 0);
   m_Header.EndOfFile = end;
   m_Header.HighestVB = address;
   return address;
 }
 
-/// Writes the headers of a normal block, the record lock free, and `zeros` zero bytes behind them.
-void vbDatabase::InitBlock(vbINT32 address, unsigned long bytes, unsigned long zeros) {
-  std::array<char, sizeof(BlockHeaders) + kFilledAtOnce> image = {};
+/// Writes the headers of a normal block, the record lock free, and behind them the object with its
+/// checksum or, when there is none yet, `zeros` zero bytes.
+void vbDatabase::FillBlock(long address, unsigned long bytes, std::vector<char>* object,
+                           unsigned long zeros) {
   vbBlockHeader header;
   header.Length = bytes;
   header.Status = vbNormalBlock;
+  if (object == nullptr) {
+    std::array<char, sizeof(BlockHeaders) + kFilledAtOnce> image = {};
+    std::memcpy(image.data(), &header, sizeof header);
+    Write(image.data(), VBHeaderSize() + zeros, address, false, true);
+    return;
+  }
+  PutAddress(*object, address + static_cast<long>(VBHeaderSize()));
+  std::vector<char> image(bytes);
   std::memcpy(image.data(), &header, sizeof header);
-  Write(image.data(), VBHeaderSize() + zeros, address, false, true);
+  std::memcpy(image.data() + VBHeaderSize(), object->data(), object->size());
+  PutChecksum(*object, image.data() + VBHeaderSize() + object->size());
+  Write(image.data(), image.size(), address, false, true);
+}
+
+/// Puts the checksum of the object, where the file has checksums, to its place behind it.
+void vbDatabase::PutChecksum(const std::vector<char>& object, char* place) const {
+  if (ChecksumSize() == 0) return;
+  const vbUINT32 checksum = calcCRC32(object.data(), static_cast<unsigned int>(object.size()));
+  std::memcpy(place, &checksum, sizeof checksum);
 }
 
 bool vbDatabase::Delete(vbINT32 address, bool remove) try {
@@ -187,12 +239,9 @@ bool vbDatabase::ReadWholeObject(vbINT32 address, std::vector<char>& object) try
 LOG_AND_RETHROW
 
 void vbDatabase::WriteWholeObject(vbINT32 address, const std::vector<char>& object) try {
-  std::vector<char> image = object;
-  if (ChecksumSize() != 0) {
-    const vbUINT32 checksum = calcCRC32(object.data(), static_cast<unsigned int>(object.size()));
-    const char* bytes = reinterpret_cast<const char*>(&checksum);
-    image.insert(image.end(), bytes, bytes + sizeof checksum);
-  }
+  std::vector<char> image(object.size() + ChecksumSize());
+  std::memcpy(image.data(), object.data(), object.size());
+  PutChecksum(object, image.data() + object.size());
   Write(image.data(), image.size(), address, false, true);
 }
 LOG_AND_RETHROW

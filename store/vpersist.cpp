@@ -70,30 +70,19 @@ void vbPersistent::RequireVersion(long stored, int oldest, vbINT32 address) {
 }
 
 bool vbPersistent::WriteRecord(std::span<const char> record) try {
+  const vbObjectHeader header{GetVBClassID(), 0};
+  std::vector<char> object(sizeof header + record.size());
+  std::memcpy(object.data(), &header, sizeof header);
+  std::memcpy(object.data() + sizeof header, record.data(), record.size());
   // The new end of the file has to stand in the header until the key is added.
   const CLock lock(m_pDatabase, 0);
-  const vbINT32 address = Data().Alloc(sizeof(vbObjectHeader) + record.size(), vbReclaimFirstFit);
+  const vbINT32 address = Data().StoreObject(object);
   if (address == 0) Throw<CMemoryAlloc>();
   m_ObjectAddress = address;
-  try {
-    StoreObject(record);
-  } catch (...) {
-    FreeQuietly(address);
-    throw;
-  }
   if (!Add(address, GetVBClassID())) Throw<CAddKey>();
   return true;
 }
 LOG_AND_RETHROW
-
-/// Writes header and record into the block just allocated, which they fill.
-void vbPersistent::StoreObject(std::span<const char> record) {
-  const vbObjectHeader header{GetVBClassID(), m_ObjectAddress};
-  std::vector<char> object(sizeof header + record.size());
-  std::memcpy(object.data(), &header, sizeof header);
-  std::memcpy(object.data() + sizeof header, record.data(), record.size());
-  Data().WriteWholeObject(m_ObjectAddress, object);
-}
 
 // ---- Keys ----
 

@@ -126,7 +126,6 @@ class KESTDB_API vbPersistent {
   vBtree& Tree(unsigned int index) const;
   KSBKey RequireKey(vbINT32 address, vbINT32 classID);
   bool Free(vbINT32 address, vbINT32 classID, bool remove);
-  void StoreObject(std::span<const char> record);
   void RequireRoomForUpdate();
   void PutBack(vbINT32 newAddress, vbINT32 oldAddress);
   void FreeQuietly(vbINT32 address);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "store/KestErr.h"
 #include "store/vbdbase.h"
@@ -174,6 +175,30 @@ TEST(BlockFaults, WholeObjectFailsAndWorksLater) {
   }
   db.WriteWholeObject(68, {digits.begin(), digits.end()});
   EXPECT_EQ(file.HexAt(68, 13), "31 32 33 34 35 36 37 38 39 26 39 F4 CB");
+}
+
+TEST(BlockFaults, StoringAnObjectAtTheEndFailsAndLeavesNoBlock) {
+  BlockFile file(FileOf(Block(100, 'N')));
+  vbDatabase& db = file.db;
+  std::vector<char> object(9);
+  for (const unsigned long room : {0UL, 1UL, 16UL, 28UL, 31UL, 40UL}) {
+    ExpectFailure(file, 140 + room, [&] { db.StoreObject(object); });
+    EXPECT_EQ(db.VBTotal(), 1) << room;
+  }
+  EXPECT_EQ(db.StoreObject(object), 168);
+  EXPECT_TRUE(db.ReadObjectChecksum(168, nullptr, nullptr));
+}
+
+TEST(BlockFaults, StoringAnObjectInAFreeBlockFailsAndLeavesItFree) {
+  BlockFile file(FileOf(Block(100, 'N') + Block(100, 'R'), 140));
+  vbDatabase& db = file.db;
+  std::vector<char> object(68);
+  for (const unsigned long room : {0UL, 28UL, 60UL, 99UL}) {
+    ExpectFailure(file, 140 + room, [&] { db.StoreObject(object); });
+    EXPECT_EQ(db.VBDeleted(nullptr, nullptr), 1) << room;
+  }
+  EXPECT_EQ(db.StoreObject(object), 168);
+  EXPECT_EQ(db.GetVBDFreeSpace(), 0);
 }
 
 TEST(BlockFaults, RecordLockFailsAndIsWhatItWas) {

@@ -317,6 +317,36 @@ TEST_F(Blocks, WholeObjectIsWrittenWithItsChecksum) {
   EXPECT_EQ(db.Length(), 81);
 }
 
+TEST_F(Blocks, StoredObjectGetsABlockAndItsAddress) {
+  std::vector<char> object = {'\xE8', 3, 0, 0, 0, 0, 0, 0, 'x'};
+  EXPECT_EQ(db.StoreObject(object), 68);
+  EXPECT_EQ(object, (std::vector<char>{'\xE8', 3, 0, 0, 68, 0, 0, 0, 'x'}));
+  EXPECT_EQ(file.HexAt(40, 41),
+            "FE FE FE FE 29 00 00 00 4E 00 00 00 00 00 00 00 "
+            "00 00 00 00 00 00 00 00 00 00 00 00 "
+            "E8 03 00 00 44 00 00 00 78 39 37 C5 1A");
+  EXPECT_EQ(db.Length(), 81);
+  EXPECT_EQ(db.GetEOF(), 81);
+  EXPECT_EQ(db.GetHighestVB(), 40);
+}
+
+TEST_F(Blocks, StoredObjectTakesAFreeBlock) {
+  const vbINT32 first = db.Alloc(9, vbReclaimFirstFit);
+  db.Alloc(9, vbReclaimFirstFit);
+  db.Remove(first);
+  std::vector<char> object = {'\xE8', 3, 0, 0, 0, 0, 0, 0, 'x'};
+  EXPECT_EQ(db.StoreObject(object), 68);
+  EXPECT_EQ(file.HexAt(68, 13), "E8 03 00 00 44 00 00 00 78 39 37 C5 1A");
+  EXPECT_EQ(file.HexAt(48, 8), "4E 00 00 00 00 00 00 00");
+  EXPECT_EQ(db.GetVBDFreeSpace(), 0);
+}
+
+TEST_F(Blocks, ObjectWithoutAHeaderIsNotStored) {
+  std::vector<char> object(7);
+  EXPECT_THROW(db.StoreObject(object), CInvalidArgument);
+  EXPECT_EQ(db.Length(), 40);
+}
+
 TEST_F(Blocks, WholeObjectIsReadWithoutItsChecksum) {
   const long object = file.Add(digits);
   std::vector<char> bytes(500, 'x');
