@@ -3,7 +3,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-build_packages=(g++ cmake ninja-build pkg-config libgtest-dev libbenchmark-dev)
+build_packages=(g++ cmake ninja-build pkg-config libgtest-dev libbenchmark-dev libeigen3-dev
+  libboost-math-dev)
 
 # step TEXT...: says what comes now.
 step() {
