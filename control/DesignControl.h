@@ -37,6 +37,11 @@ class KESTDB_API CDesignControl : public vbPersistentClass<CDesignControl> {
   /// program is a warning.
   bool CheckExeParams(bool warnOnly, bool gradient, bool skip) const;
 
+  /// Takes over the settings that a task was made with, and stores them. What a task doesn't keep
+  /// stays: reuse of points. THROWS CNullPtr without a database or its files, CNoIndex, CGetObject
+  /// without the task.
+  void LoadDesignControl(int taskID);
+
   // The static operations THROW CNullPtr for a null argument or a database without files, CNoIndex.
 
   /// Reports what is wrong with the settings for the chosen kind of task through LError, LWarn and

@@ -42,6 +42,10 @@ class KESTDB_API CAuxiliary : public vbPersistentClass<CAuxiliary> {
   static bool RemoveAuxiliaries(POD* pod);
   /// Prints all definitions, or nothing when there are none.
   static void Dump(POD* pod, std::FILE* stream);
+  /// Stores the definitions that a task uses under their IDs. The names of a link's arguments are
+  /// new. THROWS CGetObject without a table of the task, CInvalidArgument for columns that don't
+  /// fit each other; what was stored until then stays.
+  static void LoadAuxillaries(int taskID, POD* pod);
 
   vbINT32 m_nID;          ///< The database ID; the key
   std::string m_strName;  ///< The definition's name

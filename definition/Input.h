@@ -8,6 +8,8 @@
 #include "store/api.h"
 #include "store/vbscalar.h"
 
+class CDVar;
+
 class CInput;
 extern template class KESTDB_API vbPersistentClass<CInput>;
 
@@ -43,6 +45,22 @@ class KESTDB_API CInput : public vbPersistentClass<CInput> {
   static void SyncInput(POD* pod, std::vector<int>& ids);
   /// False at the first Input that can't be removed.
   static bool RemoveInputs(POD* pod);
+
+  // The way back from a task, whose tables hold the IDs. What is stored already with one of them is
+  // replaced, all else stays; so does what was stored before a failure. Without a record of the
+  // task, THROW CGetObject; CInvalidType for a code that isn't known, CInvalidArgument for tables
+  // that don't fit each other.
+
+  /// Stores the Inputs that the task was made of, with the values of one of its points, of the
+  /// run's best one with a negative number.
+  static void LoadInputs(int taskID, POD* pod, int pointID);
+  /// Makes the stored Inputs the objectives that they are in the task.
+  static void UpdateObj(int taskID, POD* pod);
+
+  /// Sets the arguments from places in the task's tables: positions and kinds. `lengths` of another
+  /// number than `args` are taken for ones. THROWS, with the arguments as they were.
+  void CreateAuxInfo(CDVar& var, std::vector<int>& args, std::vector<int>& types,
+                     std::vector<int>& lengths);
 
   vbINT32 m_nID;          ///< The database ID; the key
   std::string m_strName;  ///< The user's name

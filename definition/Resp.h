@@ -8,6 +8,9 @@
 #include "store/api.h"
 #include "store/vbscalar.h"
 
+class CDResp;
+class CDVar;
+
 class CResp;
 extern template class KESTDB_API vbPersistentClass<CResp>;
 
@@ -43,6 +46,19 @@ class KESTDB_API CResp : public vbPersistentClass<CResp> {
   static void SyncResp(POD* pod, std::vector<int>& ids);
   /// False at the first response that can't be removed.
   static bool RemoveResps(POD* pod);
+
+  // The way back from a task, as of CInput.
+
+  /// Stores the responses that the task was made of. Those that it doesn't constrain come back as
+  /// no constraints.
+  static void LoadResps(int taskID, POD* pod);
+  /// Makes the stored responses the objectives that they are in the task.
+  static void UpdateObj(int taskID, POD* pod);
+
+  /// Sets the arguments from places in the task's tables: positions and kinds. `lengths` of another
+  /// number than `args` are taken for ones. THROWS, with the arguments as they were.
+  void CreateAuxInfo(CDVar& var, CDResp& resp, std::vector<int>& args, std::vector<int>& types,
+                     std::vector<int>& lengths);
 
   vbINT32 m_nID;                    ///< The database ID; the key
   std::string m_strName;            ///< The user's name

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <set>
 #include <string>
+#include <valarray>
 #include <vector>
 
 #include "control/ANLControl.h"
@@ -53,7 +54,53 @@ class KESTDB_API CTask : public vbPersistentClass<CTask> {
   /// THROWS CNullPtr for a null argument or a database without files, CNoIndex.
   static void GetAllTasks(POD* pod, std::vector<int>& ids);
 
-  /// -- Make Task.
+  /// The IDs of those among them that `nFilter` selects, ascending: with `bUnfinished`, all that
+  /// were not run; else, of those that were, 0 all, 1 the optimisations, 2 the designs of
+  /// experiments, 3 those with a final approximation model, 5 the response surfaces, others none.
+  /// THROWS what GetAllTasks does, CKestErr for a task without a result.
+  static void GetTasks(POD* pod, std::vector<int>& ids, int nFilter, bool bUnfinished);
+
+  /// Removes a task with all its records. Its children stay, and so does its ID in the lists of
+  /// other tasks. THROWS what GetAllTasks does, CInvalidArgument for an ID below 1.
+  static void RemoveSpecifiedTask(POD* pod, int nTask);
+  /// Removes this task and its children, but not theirs.
+  void RemoveTask();
+  /// Removes the children, and stores the task without them.
+  void RemoveChildTasks();
+
+  /// Makes a task that goes on from point `nPoint` of another one, or from its best with -1. With
+  /// `bLink` both tasks tell of each other; `bSingleStart` gives up several starting points.
+  /// The ID of the new task.
+  ///
+  /// THROWS CGetObject without a record of the old task, CMakeTask for a design of experiments and,
+  /// without `bLink`, for a single analysis. What it wrote until then stays.
+  int RestartTask(int nTask, int nPoint, std::string strTitle, bool bLink, bool bSingleStart);
+
+  /// Makes a task like the stored one of this ID, in which some independent variables are constants
+  /// and constraints are tightened. The arrays have an element for each scalar independent
+  /// variable: whether to fix it, at what value, and the bounds for constraints on it. The ID of
+  /// the new task.
+  ///
+  /// THROWS CInvalidArgument, with nothing written, for arrays that are too short; CMakeTask
+  /// without the task's table of responses, CGetObject without another record. What it wrote until
+  /// then stays.
+  int CreateModifiedGPostTask(std::string strTitle, std::valarray<bool>& vbFix,
+                              std::valarray<double>& vfValue, std::valarray<double>& vfLower,
+                              std::valarray<double>& vfUpper);
+
+  /// Prints what the task is: its type, settings and counts, or nothing without that task.
+  /// THROWS CNullPtr for a null argument or a database without files, CNoIndex.
+  static void Dump(POD* pod, std::FILE* stream, int nTask);
+
+  // -- The way back.
+
+  /// Puts the definitions and settings that a task was made of into the place of the study's, with
+  /// the values of its first point. THROWS, with the study as it was, CNullPtr for a null argument
+  /// or a database without files, CNoIndex, CGetObject without a record of the task; with what was
+  /// stored until then, CInvalidType and CInvalidArgument for tables that don't fit each other.
+  static void LoadTask(POD* pod, int nTask);
+
+  // -- Make Task.
 
   /// Makes a task of the study's definitions: counts and checks them, takes an ID, and writes the
   /// task with all its records. Call it on a new object. Both flags go to CheckDesignControl.
