@@ -50,6 +50,22 @@ void CDVar::GetType(std::valarray<int>& type) const {
   kestdb::CopyElements(m_vnType, type);
 }
 
+void CDVar::GetIndIDs(std::vector<int>& ids) const {
+  kestdb::CopyElements(m_vnIndIDs, ids);
+}
+
+void CDVar::GetLinkIDs(std::vector<int>& ids) const {
+  kestdb::CopyElements(m_vnLinkIDs, ids);
+}
+
+void CDVar::GetSynIDs(std::vector<int>& ids) const {
+  kestdb::CopyElements(m_vnSynIDs, ids);
+}
+
+void CDVar::GetConstIDs(std::vector<int>& ids) const {
+  kestdb::CopyElements(m_vnConstIDs, ids);
+}
+
 void CDVar::GetLinkRef(std::vector<int>& ref) const {
   kestdb::CopyElements(m_vnLinkRef, ref);
 }

@@ -30,6 +30,10 @@ class KESTDB_API CDVar : public vbPersistentClass<CDVar> {
 
   void GetSeq(std::valarray<int>& seq) const;
   void GetType(std::valarray<int>& type) const;
+  void GetIndIDs(std::vector<int>& ids) const;
+  void GetLinkIDs(std::vector<int>& ids) const;
+  void GetSynIDs(std::vector<int>& ids) const;
+  void GetConstIDs(std::vector<int>& ids) const;
   void GetLinkRef(std::vector<int>& ref) const;
   void GetSynRef(std::vector<int>& ref) const;
   void GetDiscreteRef(std::vector<int>& ref) const;

@@ -58,6 +58,23 @@ TEST(Variables, GiveReferencesInAVectorOfTheirSize) {
   }
 }
 
+TEST(Variables, GiveTheIDsOfEachKind) {
+  CDVar vars(static_cast<POD*>(nullptr));
+  vars.m_vnIndIDs = {1, 1};
+  vars.m_vnLinkIDs = {2};
+  vars.m_vnSynIDs = {};
+  vars.m_vnConstIDs = {4, 5, 6};
+  Integers ids(9, 77);
+  vars.GetIndIDs(ids);
+  EXPECT_EQ(ids, (Integers{1, 1}));
+  vars.GetLinkIDs(ids);
+  EXPECT_EQ(ids, Integers{2});
+  vars.GetSynIDs(ids);
+  EXPECT_TRUE(ids.empty());
+  vars.GetConstIDs(ids);
+  EXPECT_EQ(ids, (Integers{4, 5, 6}));
+}
+
 struct Setter {
   void (CDVar::*set)(const Integers&);
   std::vector<vbINT32> CDVar::*column;
