@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Stores a table of design points in a study, defines what they are about, checks the definitions,
-# makes a task of them, and reads the study back, each in a process of its own.
+# makes a task of them, fits a model as a run engine would, and reads the study back, each in a
+# process of its own.
 
 source "$(dirname "${BASH_SOURCE[0]}")/cmake/setup.sh"
 need "${build_packages[@]}"
@@ -22,6 +23,9 @@ step "Defining the study of these points"
 
 step "Making a task of the study"
 "$program" make "$study"
+
+step "Fitting a model of second order"
+"$program" fit "$study"
 
 step "The study's files"
 ls -l "$study"

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "bench/BenchPoint.h"
+#include "bench/RatioReporter.h"
 #include "index/KSBKey.h"
 #include "index/vbtree.h"
 #include "maintenance/Lock.h"
@@ -158,30 +158,6 @@ void PlainAppendSyncingEach(benchmark::State& state) {
   for (auto _ : state) AppendRecords(kSingles, true);
 }
 BENCHMARK(PlainAppendSyncingEach)->Unit(benchmark::kMillisecond)->UseRealTime();
-
-/// Prints the runs as usual and keeps their times for the ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    // With repetitions the median comes after the single runs, under the same name.
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median") {
-        times_[run.run_name.function_name + run.run_name.args] = run.GetAdjustedRealTime();
-      }
-    }
-  }
-
-  void PrintRatio(const std::string& over, const std::string& under) const {
-    const auto top = times_.find(over);
-    const auto bottom = times_.find(under);
-    if (top == times_.end() || bottom == times_.end()) return;
-    std::printf("%s / %s = %.2f\n", over.c_str(), under.c_str(), top->second / bottom->second);
-  }
-
- private:
-  std::map<std::string, double> times_;
-};
 
 }  // namespace
 

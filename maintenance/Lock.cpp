@@ -211,6 +211,13 @@ void CLock::UnLock() try {
 }
 LOG_AND_RETHROW
 
+void CLock::HandOver(POD& to) {
+  if (Pod == nullptr) return;
+  Pod->m_bLockHeld = false;
+  to.m_bLockHeld = true;
+  Pod = &to;
+}
+
 void CLock::ForceUnlock() {
   const std::string aside = AsideName(m_strLockNameSta);
   if (locked) return;

@@ -29,6 +29,10 @@ class KESTDB_API CLock {
   /// THROWS CFileUnlock when the directory can't be removed, CFileWrite and its like.
   void UnLock();
 
+  /// Makes the lock, if this object holds it, that of another handle of the same study, with
+  /// nobody in between. REQUIRES that neither handle has open files.
+  void HandOver(POD& to);
+
   /// Takes away the lock directory that a dead process left at the last lock path seen. Does
   /// nothing while this process holds a lock, and reports nothing.
   static void ForceUnlock();

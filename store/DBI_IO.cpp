@@ -4,24 +4,27 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 #include "control/DesignControl.h"
 #include "definition/DBCtrl.h"
 #include "definition/GPoint.h"
+#include "environment/Logging.h"
 #include "environment/Utilities.h"
 #include "index/KSBKey.h"
+#include "maintenance/DBUtilities.h"
 #include "maintenance/Lock.h"
+#include "maintenance/upgrade.h"
+#include "maintenance/upkeep.h"
 #include "store/KestErr.h"
+#include "store/layout.h"
 #include "store/pod.h"
 #include "store/vbdbase.h"
 
 POD* pPOD = nullptr;
 
 namespace {
-
-constexpr int kTreeOrder = 32;
-constexpr int kTrees = 25;
 
 /// Only these two forms count: a mixed-case extension is part of the name.
 std::string BaseName(const std::string& name) {
@@ -58,6 +61,144 @@ class CloseUnlessDone {
   bool done_ = false;
 };
 
+// ---- Old and damaged files ----
+
+/// The files of the study that is being opened, as they are found.
+struct Files {
+  std::string base;
+  std::string dataPath;
+  std::string indexPath;
+  bool dataExists = false;
+  bool indexExists = false;
+  int version = -1;
+};
+
+/// A mark beside the index file for as long as that is wrong or only begun. It stays behind when
+/// the process dies, and tells the next open to make the index anew.
+class IndexMark {
+ public:
+  explicit IndexMark(const std::string& indexPath) : path_(kestdb::MarkPathOf(indexPath)) {}
+  IndexMark(const IndexMark&) = delete;
+  IndexMark& operator=(const IndexMark&) = delete;
+  ~IndexMark() {
+    if (!kept_) std::remove(path_.c_str());
+  }
+
+  bool IsSet() const { return vbDatabase::Exists(path_); }
+  void Set() const {
+    std::FILE* file = std::fopen(path_.c_str(), "wb");
+    if (file == nullptr || std::fclose(file) != 0) Throw<CFileCreation>();
+  }
+  /// Leaves the mark behind.
+  void Keep() { kept_ = true; }
+
+ private:
+  std::string path_;
+  bool kept_ = false;
+};
+
+/// A rebuild that was killed just before its end leaves the whole study in its copy. A new, empty
+/// study must not take that place. The index doesn't fit the copy.
+void RequireNoLostData(const Files& files, IndexMark& mark) {
+  const std::string copyPath = kestdb::CopyPathOf(files.dataPath);
+  if (files.dataExists || !vbDatabase::Exists(copyPath)) return;
+  LError("%s does not exist, but %s does.\n", files.dataPath.c_str(), copyPath.c_str());
+  LPrint("     It may be the whole study, from a rebuild that was interrupted.\n");
+  LPrint("     Rename it to %s, or delete it.\n", files.dataPath.c_str());
+  mark.Set();
+  mark.Keep();
+  Throw<CNoFileExists>();
+}
+
+/// Removes an index that is void.
+void DropIndex(Files& files, IndexMark& mark) {
+  if (files.indexExists && std::remove(files.indexPath.c_str()) != 0) {
+    mark.Keep();
+    Throw<CFileRemove>();
+  }
+  files.indexExists = false;
+}
+
+/// An index that a process left unfinished, here or in a rebuild, is none.
+void DropUnfinishedIndex(Files& files, IndexMark& mark) {
+  const bool unfinished = mark.IsSet() || vbDatabase::Exists(kestdb::BackupPathOf(files.indexPath));
+  if (files.dataExists && unfinished) DropIndex(files, mark);
+}
+
+/// Brings a data file of another version up to date. Its objects move, so that its index is void.
+void Upgrade(Files& files, IndexMark& mark) {
+  if (!files.dataExists || files.version <= 0 || files.version == vbDatabase::VBDVersion) return;
+  mark.Set();
+  KFileRebuild(files.dataPath);
+  DropIndex(files, mark);
+}
+
+void OpenFiles(const Files& files) {
+  KSBKey key;
+  pPOD->Open(files.dataPath, files.indexPath, key, kestdb::kTreeOrder, vbReadWrite, 1, 0,
+             kestdb::kTrees);
+}
+
+/// A data file without any bytes behind its header needs none but the new, empty one.
+bool NeedsIndex(const POD& pod) {
+  const vbDatabase& data = *pod.DataFile();
+  if (data.Length() <= data.GetHeapStart()) return false;
+  for (unsigned i = 0; i < pod.IndexTable()->Count(); ++i) {
+    if (pod.IndexTable()->Record(i)->RebuildFlag == 1) return true;
+  }
+  return false;
+}
+
+/// Puts a new handle in the place of pPOD, under the same lock.
+POD& RenewPOD(CLock& lock, const Files& files) {
+  auto fresh = std::make_unique<POD>(files.dataPath);
+  pPOD->Close();
+  lock.HandOver(*fresh);
+  delete std::exchange(pPOD, fresh.release());
+  return *pPOD;
+}
+
+/// An index file that is begun for a study without one, or for a new study. When that fails, it
+/// must not be taken for a whole one by the next who opens the study.
+class BegunIndex {
+ public:
+  BegunIndex(const Files& files, IndexMark& mark)
+      : path_(files.indexPath), mark_(mark), done_(files.dataExists && files.indexExists) {
+    if (files.dataExists && !done_) mark_.Set();
+  }
+  BegunIndex(const BegunIndex&) = delete;
+  BegunIndex& operator=(const BegunIndex&) = delete;
+  ~BegunIndex() {
+    // A link that leads nowhere is left to its owner.
+    if (done_ || !vbDatabase::Exists(path_)) return;
+    if (std::remove(path_.c_str()) != 0) mark_.Keep();
+  }
+  void Done() { done_ = true; }
+
+ private:
+  const std::string& path_;
+  IndexMark& mark_;
+  bool done_;
+};
+
+/// Makes the index that the study lacks. The lock is kept: to others, an empty index is one.
+void MakeIndex(CLock& lock, const Files& files) {
+  LPrint("No index file found or the index needs rebuilding.\n");
+  LPrint("Will attempt to create a new index file (%s) from the specified data file (%s).\n",
+         files.indexPath.c_str(), files.dataPath.c_str());
+  const auto freshPod = [&]() -> POD& { return RenewPOD(lock, files); };
+  kestdb::RunIndexRebuildCheck(files.base, true, freshPod);
+  RenewPOD(lock, files);
+  OpenFiles(files);
+}
+
+/// Older versions could keep line breaks in the texts of equations.
+void CleanEquations(int version) {
+  if (version >= 1 && version < vbDatabase::VBDVersion) kestdb::CleanEquationTexts(pPOD);
+}
+
+// ---- What every study holds ----
+
 template <class Singleton>
 void MakeIfMissing() {
   Singleton object(pPOD);
@@ -78,25 +219,34 @@ void OpenDatabase(const std::string& name) try {
   CloseUnlessDone guard;
   isNoBufSet = std::getenv("KEST_NOIOBUF") != nullptr;
   if (!CKUtil::IsASCII(name)) Throw<CNonASCIIDatabase>();
-  const std::string base = BaseName(name);
-  std::string dataPath = base + ".ksb";
-  const std::string indexPath = base + ".kx";
-  CheckAccess(dataPath);
-  CheckAccess(indexPath);
+  Files files;
+  files.base = BaseName(name);
+  files.dataPath = kestdb::DataPathOf(files.base);
+  files.indexPath = kestdb::IndexPathOf(files.base);
+  CheckAccess(files.dataPath);
+  CheckAccess(files.indexPath);
 
-  KSBKey key;
-  pPOD = new POD(dataPath);
+  pPOD = new POD(files.dataPath);
   // What the files are must not change until they are open: another process may be making them.
-  const CLock lock(pPOD, 0);
-  const bool dataExists = vbDatabase::Exists(dataPath);
-  const bool indexExists = vbDatabase::Exists(indexPath);
-  const int version = GetDBVersion(dataPath);
-  // Going on would part a file of another version, or objects without their index, from what is
-  // stored next.
-  if (dataExists && version > 0 && version != vbDatabase::VBDVersion) Throw<CFileNotReady>();
-  if (dataExists && !indexExists) Throw<CNoIndex>();
-  pPOD->Open(dataPath, indexPath, key, kTreeOrder, vbReadWrite, 1, 0, kTrees);
+  CLock lock(pPOD, 0);
+  files.dataExists = vbDatabase::Exists(files.dataPath);
+  files.indexExists = vbDatabase::Exists(files.indexPath);
+  IndexMark mark(files.indexPath);
+  RequireNoLostData(files, mark);
+  files.version = GetDBVersion(files.dataPath);
+  DropUnfinishedIndex(files, mark);
+  Upgrade(files, mark);
+  BegunIndex index(files, mark);
+  OpenFiles(files);
+  if (NeedsIndex(*pPOD)) MakeIndex(lock, files);
+  index.Done();
+  if (COSUtil::IsWin9x()) {
+    RenewPOD(lock, files);
+    OpenFiles(files);
+  }
   MakeSingletons();
+  CleanEquations(files.version);
+  lock.UnLock();  // here, where a failure still closes the study
   guard.Done();
 }
 LOG_AND_RETHROW

@@ -23,6 +23,13 @@ class vbPersistentClass : public vbPersistent {
   unsigned int GetVBClassIndex() override;
   std::string GetVBClassName() override;
   int GetVBClassVer() override;
+
+  /// Walks over the data file and, with `add`, enters each object of the class into its tree, else
+  /// checks that the tree has its key. An object that no record of the class can be read from is
+  /// warned about and left out. The number of the others.
+  /// THROWS CNullPtr, CNoIndex, CNoObjectsExist for a data file without blocks, CChecksum,
+  /// CAddKey, CDuplicateEntry, CIndexError when the tree lacks a key.
+  static int RebuildIndex(POD* pod, bool add);
 };
 
 /// The class ID is a thousand for each class index, counted from 1.

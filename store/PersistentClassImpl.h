@@ -9,6 +9,7 @@
 #include "store/KestErr.h"
 #include "store/PersistentClass.h"
 #include "store/RecordIO.h"
+#include "store/indexrebuild.h"
 
 namespace kestdb {
 
@@ -113,3 +114,10 @@ template <class Class>
 int vbPersistentClass<Class>::GetVBClassVer() {
   return static_cast<int>(long{kestdb::ClassOf<Class>::Version});
 }
+
+template <class Class>
+int vbPersistentClass<Class>::RebuildIndex(POD* pod, bool add) try {
+  Class object(pod);
+  return kestdb::RebuildIndexOf(object, add);
+}
+LOG_AND_RETHROW

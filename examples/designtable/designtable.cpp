@@ -3,6 +3,7 @@
 //   designtable store FOLDER CSV   makes the study FOLDER/table and stores the points of CSV in it
 //   designtable define FOLDER      adds what the points are about, prints it and checks it
 //   designtable make FOLDER        makes a task of the study and prints it
+//   designtable fit FOLDER         fits the points of the last task and prints what it found
 //   designtable show FOLDER        reads the points back and prints the study's key figures
 //
 // The CSV file starts with a line of column names; its last column is the measured response, all
@@ -20,6 +21,7 @@
 #include <vector>
 
 #include "definition.h"
+#include "fit.h"
 
 namespace {
 
@@ -91,6 +93,17 @@ void Make(const std::string& study) {
   CloseDatabase();
 }
 
+void Fit(const std::string& study) {
+  fKLog = stdout;
+  OpenDatabase(study);
+  std::vector<int> tasks;
+  CTask::GetAllTasks(GetPOD(), tasks);
+  if (tasks.empty()) throw std::runtime_error("no task");
+  FitTask(tasks.back());
+  PrintFit(tasks.back());
+  CloseDatabase();
+}
+
 void PrintFile(const char* kind, vbDatabase& file) {
   vbINT32 deleted;
   vbINT32 removed;
@@ -149,12 +162,15 @@ int main(int count, char** arguments) {
       Define(words[1] + "/table");
     } else if (words.size() == 2 && words[0] == "make") {
       Make(words[1] + "/table");
+    } else if (words.size() == 2 && words[0] == "fit") {
+      Fit(words[1] + "/table");
     } else if (words.size() == 2 && words[0] == "show") {
       Show(words[1] + "/table");
     } else {
       std::fprintf(
           stderr,
-          "usage: designtable store FOLDER CSV | define FOLDER | make FOLDER | show FOLDER\n");
+          "usage: designtable store FOLDER CSV | define FOLDER | make FOLDER | fit FOLDER | "
+          "show FOLDER\n");
       return 2;
     }
   } catch (const std::exception& failure) {

@@ -22,6 +22,7 @@ const char* EndingName(Ending ending);
 struct CaseResult {
   Ending ending = Ending::NotRun;
   bool silentRead = false;  ///< nothing told of a loss until the files were written to
+  std::uint8_t figure = 0;  ///< which figure of the caller's own the case counts for
   char note[94] = {};       ///< what was seen, for a reader
   char spread[16] = {};     ///< an object that was lost by writing into the damaged files
 };

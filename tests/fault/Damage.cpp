@@ -9,8 +9,6 @@
 #include <map>
 #include <random>
 
-#include "tests/fault/FileMap.h"
-
 namespace {
 
 constexpr std::size_t kTrees = 25;
@@ -21,39 +19,6 @@ constexpr std::size_t kMostTold = 40;
 /// it makes sense, can't be told from what was meant.
 constexpr std::array kUnguarded = {"file header: end of file", "file header: heap start",
                                    "live block: status letter", "used tree: entry count"};
-
-const std::string& BytesOf(const FilePair& files, Which file) {
-  return file == Which::Data ? files.data : files.index;
-}
-
-const char* FileName(Which file) {
-  return file == Which::Data ? "data" : "index";
-}
-
-FileMap MapOf(const HostileStudy& study, Which file) {
-  return {BytesOf(study.Files(), file), file == Which::Index ? kTrees : 0};
-}
-
-FilePair Apply(FilePair files, const Damage& damage) {
-  std::string& bytes = damage.file == Which::Data ? files.data : files.index;
-  if (damage.turned == 0) {
-    bytes.resize(damage.offset);
-  } else {
-    bytes[damage.offset] = static_cast<char>(bytes[damage.offset] ^ damage.turned);
-  }
-  return files;
-}
-
-std::string Describe(const Damage& damage, const FileMap& map) {
-  char text[120];
-  if (damage.turned == 0) {
-    std::snprintf(text, sizeof text, "%s file cut to %zu", FileName(damage.file), damage.offset);
-    return text;
-  }
-  std::snprintf(text, sizeof text, "%s file, byte %zu, bits %02X: ", FileName(damage.file),
-                damage.offset, static_cast<unsigned>(damage.turned));
-  return text + map.At(damage.offset);
-}
 
 /// A count of cases for each field, with the first of them.
 class Fields {
@@ -118,24 +83,57 @@ void Tell(const std::vector<Damage>& damages, const std::vector<CaseResult>& res
 
 }  // namespace
 
-std::vector<Damage> Inversions(const HostileStudy& study, Which file) {
+const std::string& BytesOf(const FilePair& files, Which file) {
+  return file == Which::Data ? files.data : files.index;
+}
+
+const char* FileName(Which file) {
+  return file == Which::Data ? "data" : "index";
+}
+
+FileMap MapOf(const FilePair& files, Which file) {
+  return {BytesOf(files, file), file == Which::Index ? kTrees : 0};
+}
+
+FilePair Apply(FilePair files, const Damage& damage) {
+  std::string& bytes = damage.file == Which::Data ? files.data : files.index;
+  if (damage.turned == 0) {
+    bytes.resize(damage.offset);
+  } else {
+    bytes[damage.offset] = static_cast<char>(bytes[damage.offset] ^ damage.turned);
+  }
+  return files;
+}
+
+std::string Describe(const Damage& damage, const FileMap& map) {
+  char text[120];
+  if (damage.turned == 0) {
+    std::snprintf(text, sizeof text, "%s file cut to %zu", FileName(damage.file), damage.offset);
+    return text;
+  }
+  std::snprintf(text, sizeof text, "%s file, byte %zu, bits %02X: ", FileName(damage.file),
+                damage.offset, static_cast<unsigned>(damage.turned));
+  return text + map.At(damage.offset);
+}
+
+std::vector<Damage> Inversions(const FilePair& files, Which file) {
   std::vector<Damage> damages;
-  for (std::size_t i = 0; i < BytesOf(study.Files(), file).size(); ++i) {
+  for (std::size_t i = 0; i < BytesOf(files, file).size(); ++i) {
     damages.push_back({file, i, 0xFF});
   }
   return damages;
 }
 
-std::vector<Damage> Cuts(const HostileStudy& study, Which file) {
+std::vector<Damage> Cuts(const FilePair& files, Which file) {
   std::vector<Damage> damages;
-  for (std::size_t i = 0; i < BytesOf(study.Files(), file).size(); ++i) {
+  for (std::size_t i = 0; i < BytesOf(files, file).size(); ++i) {
     damages.push_back({file, i});
   }
   return damages;
 }
 
-std::vector<Damage> HeaderBits(const HostileStudy& study, Which file) {
-  const FileMap map = MapOf(study, file);
+std::vector<Damage> HeaderBits(const FilePair& files, Which file) {
+  const FileMap map = MapOf(files, file);
   std::vector<Damage> damages;
   const auto add = [&](std::size_t from, std::size_t size) {
     for (std::size_t i = from; i < from + size; ++i) {
@@ -175,5 +173,5 @@ void ExerciseAll(const HostileStudy& study, const std::vector<Damage>& damages,
   const Which file = damages.front().file;
   std::printf("%s file of %zu bytes, %s: %zu cases in %.1f s\n", FileName(file),
               BytesOf(study.Files(), file).size(), title.c_str(), damages.size(), took.count());
-  Tell(damages, results, MapOf(study, file));
+  Tell(damages, results, MapOf(study.Files(), file));
 }

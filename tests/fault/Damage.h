@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/fault/FileMap.h"
 #include "tests/fault/HostileStudy.h"
 
 enum class Which { Data, Index };
@@ -16,11 +17,19 @@ struct Damage {
 };
 
 /// Each byte of a file, with all its bits turned over.
-std::vector<Damage> Inversions(const HostileStudy& study, Which file);
+std::vector<Damage> Inversions(const FilePair& files, Which file);
 /// Each length that a file can be cut to.
-std::vector<Damage> Cuts(const HostileStudy& study, Which file);
+std::vector<Damage> Cuts(const FilePair& files, Which file);
 /// Each single bit of the file header, the tree headers and the block headers.
-std::vector<Damage> HeaderBits(const HostileStudy& study, Which file);
+std::vector<Damage> HeaderBits(const FilePair& files, Which file);
+
+/// The files with the damage done to one of them.
+FilePair Apply(FilePair files, const Damage& damage);
+const std::string& BytesOf(const FilePair& files, Which file);
+const char* FileName(Which file);
+FileMap MapOf(const FilePair& files, Which file);
+/// What was damaged, in words.
+std::string Describe(const Damage& damage, const FileMap& map);
 
 /// `count` of them, always the same.
 std::vector<Damage> Sample(std::vector<Damage> damages, std::size_t count);

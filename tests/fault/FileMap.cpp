@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-std::size_t WordAt(const std::string& bytes, std::size_t offset) {
+std::size_t NumberAt(const std::string& bytes, std::size_t offset) {
   std::size_t value = 0;
   for (std::size_t i = 4; i-- > 0;) {
     value = value << 8 | static_cast<unsigned char>(bytes.at(offset + i));
@@ -22,17 +22,17 @@ FileMap::FileMap(const std::string& bytes, std::size_t trees) : words_(bytes.siz
   static const char* const treeHeader[] = {"order",  "entry size", "entry count", "node count",
                                            "height", "root",       "class ID"};
   for (std::size_t slot = 40; slot <= 40 * trees; slot += 40) {
-    const char* tree = WordAt(bytes, slot + 8) > 0 ? "used tree: " : "unused tree: ";
+    const char* tree = NumberAt(bytes, slot + 8) > 0 ? "used tree: " : "unused tree: ";
     for (std::size_t i = 0; i < 7; ++i) Mark(slot + 4 * i, 4, std::string(tree) + treeHeader[i]);
     Mark(slot + 28, 12, "behind a tree header");
   }
-  for (std::size_t at = WordAt(bytes, 8); at < bytes.size(); at += WordAt(bytes, at + 4)) {
+  for (std::size_t at = NumberAt(bytes, 8); at < bytes.size(); at += NumberAt(bytes, at + 4)) {
     MarkBlock(bytes, at);
   }
 }
 
 void FileMap::MarkBlock(const std::string& bytes, std::size_t address) {
-  const std::size_t length = WordAt(bytes, address + 4);
+  const std::size_t length = NumberAt(bytes, address + 4);
   if (length < 32 || address + length > bytes.size()) throw std::logic_error("a broken heap");
   const std::string block = bytes[address + 8] == 'N' ? "live block: " : "free block: ";
   Mark(address, 4, block + "check word");

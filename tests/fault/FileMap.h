@@ -25,4 +25,4 @@ class FileMap {
 };
 
 /// The number in the four bytes at `offset`, least significant first.
-std::size_t WordAt(const std::string& bytes, std::size_t offset);
+std::size_t NumberAt(const std::string& bytes, std::size_t offset);

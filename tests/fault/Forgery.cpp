@@ -26,7 +26,7 @@ std::uint32_t Checksum(const std::string& bytes) {
 }  // namespace
 
 Forgery& Forgery::Change(Which file, std::size_t offset, std::uint32_t old, std::uint32_t value) {
-  if (WordAt(Bytes(file), offset) != old) throw std::logic_error("another word is there");
+  if (NumberAt(Bytes(file), offset) != old) throw std::logic_error("another word is there");
   return Set(file, offset, value);
 }
 
@@ -48,7 +48,7 @@ Forgery& Forgery::SetBytes(Which file, std::size_t offset, const std::string& by
 }
 
 Forgery& Forgery::Seal(Which file, std::size_t block) {
-  const std::size_t length = WordAt(Bytes(file), block + 4);
+  const std::size_t length = NumberAt(Bytes(file), block + 4);
   const std::size_t size = length - kBlockHeader - 4;
   return Set(file, block + length - 4, Checksum(Bytes(file).substr(block + kBlockHeader, size)));
 }
@@ -75,7 +75,7 @@ void ExerciseAll(const HostileStudy& study, const std::vector<HostileValue>& val
 
 std::vector<std::size_t> FreeList(const std::string& bytes) {
   std::vector<std::size_t> blocks;
-  for (std::size_t at = WordAt(bytes, 0); at != 0; at = WordAt(bytes, at + 12)) {
+  for (std::size_t at = NumberAt(bytes, 0); at != 0; at = NumberAt(bytes, at + 12)) {
     blocks.push_back(at);
   }
   return blocks;

@@ -11,7 +11,8 @@
 /// Files with words in them that no program of good will writes, behind checksums that are right.
 class Forgery {
  public:
-  explicit Forgery(const HostileStudy& study) : files_(study.Files()) {}
+  explicit Forgery(const HostileStudy& study) : Forgery(study.Files()) {}
+  explicit Forgery(const FilePair& files) : files_(files) {}
 
   /// Puts `value` at `offset`, least significant byte first, where `old` must have been.
   Forgery& Change(Which file, std::size_t offset, std::uint32_t old, std::uint32_t value);

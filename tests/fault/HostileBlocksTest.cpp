@@ -122,7 +122,7 @@ TEST_F(HostileBlocks, LengthsOfLiveBlocks) {
        {BlockOf(Kind::Plain, 1), BlockOf(Kind::Sample, 2), BlockOf(Kind::Plain, 35),
         map.Blocks().front(), map.Blocks().back()}) {
     const auto rest = DataSize() - static_cast<std::uint32_t>(block);
-    const auto own = static_cast<std::uint32_t>(WordAt(Data(), block + kLength));
+    const auto own = static_cast<std::uint32_t>(NumberAt(Data(), block + kLength));
     for (const std::uint32_t length :
          {0U, 1U, 27U, 28U, 31U, 32U, 33U, 36U, 39U, 40U, 44U, own - 1, own + 1, rest, rest + 1,
           kMostPositive, kMostNegative, kAllOnes, kAllOnes - 27}) {
@@ -143,7 +143,7 @@ TEST_F(HostileBlocks, LengthsOfFreeBlocks) {
   std::vector<HostileValue> values;
   for (const std::size_t block : FreeList(Data())) {
     const auto rest = DataSize() - static_cast<std::uint32_t>(block);
-    const auto own = static_cast<std::uint32_t>(WordAt(Data(), block + kLength));
+    const auto own = static_cast<std::uint32_t>(NumberAt(Data(), block + kLength));
     for (const std::uint32_t length : {0U, 1U, 27U, 28U, 31U, 32U, 71U, own - 1, own + 1, own + 33,
                                        rest - 1, rest, rest + 1, kMostPositive, kAllOnes}) {
       // One that reaches to the end of the file takes in the live blocks behind it.

@@ -21,27 +21,27 @@ class HostileBytesSweep : public testing::TestWithParam<std::size_t> {
 }  // namespace
 
 TEST_P(HostileBytesSweep, DataFileInverted) {
-  Exercise(Inversions(study, Which::Data), "each byte inverted");
+  Exercise(Inversions(study.Files(), Which::Data), "each byte inverted");
 }
 
 TEST_P(HostileBytesSweep, DataFileCut) {
-  Exercise(Cuts(study, Which::Data), "cut at each length");
+  Exercise(Cuts(study.Files(), Which::Data), "cut at each length");
 }
 
 TEST_P(HostileBytesSweep, BitsOfTheDataFilesHeaders) {
-  Exercise(HeaderBits(study, Which::Data), "each bit of the headers turned over");
+  Exercise(HeaderBits(study.Files(), Which::Data), "each bit of the headers turned over");
 }
 
 TEST_P(HostileBytesSweep, IndexFileInverted) {
-  Exercise(Inversions(study, Which::Index), "each byte inverted");
+  Exercise(Inversions(study.Files(), Which::Index), "each byte inverted");
 }
 
 TEST_P(HostileBytesSweep, IndexFileCut) {
-  Exercise(Cuts(study, Which::Index), "cut at each length");
+  Exercise(Cuts(study.Files(), Which::Index), "cut at each length");
 }
 
 TEST_P(HostileBytesSweep, BitsOfTheIndexFilesHeaders) {
-  Exercise(HeaderBits(study, Which::Index), "each bit of the headers turned over");
+  Exercise(HeaderBits(study.Files(), Which::Index), "each bit of the headers turned over");
 }
 
 INSTANTIATE_TEST_SUITE_P(Part, HostileBytesSweep, testing::Range<std::size_t>(0, kParts));

@@ -26,36 +26,38 @@ TEST(HostileBytes, NoDamageEndsClean) {
 
 TEST(HostileBytes, InvertedBytesOfTheDataFile) {
   const HostileStudy study;
-  ExerciseAll(study, Sample(Inversions(study, Which::Data), kSample), "bytes inverted");
+  ExerciseAll(study, Sample(Inversions(study.Files(), Which::Data), kSample), "bytes inverted");
 }
 
 TEST(HostileBytes, InvertedBytesOfTheIndexFile) {
   const HostileStudy study;
-  ExerciseAll(study, Sample(Inversions(study, Which::Index), kSample), "bytes inverted");
+  ExerciseAll(study, Sample(Inversions(study.Files(), Which::Index), kSample), "bytes inverted");
 }
 
 TEST(HostileBytes, CutDataFile) {
   const HostileStudy study;
-  ExerciseAll(study, Sample(Cuts(study, Which::Data), kSample), "cut");
+  ExerciseAll(study, Sample(Cuts(study.Files(), Which::Data), kSample), "cut");
 }
 
 TEST(HostileBytes, CutIndexFile) {
   const HostileStudy study;
-  ExerciseAll(study, Sample(Cuts(study, Which::Index), kSample), "cut");
+  ExerciseAll(study, Sample(Cuts(study.Files(), Which::Index), kSample), "cut");
 }
 
 TEST(HostileBytes, SingleBitsOfTheDataFilesHeaders) {
   const HostileStudy study;
-  ExerciseAll(study, Sample(HeaderBits(study, Which::Data), kSample), "header bits turned over");
+  ExerciseAll(study, Sample(HeaderBits(study.Files(), Which::Data), kSample),
+              "header bits turned over");
 }
 
 TEST(HostileBytes, SingleBitsOfTheIndexFilesHeaders) {
   const HostileStudy study;
-  ExerciseAll(study, Sample(HeaderBits(study, Which::Index), kSample), "header bits turned over");
+  ExerciseAll(study, Sample(HeaderBits(study.Files(), Which::Index), kSample),
+              "header bits turned over");
 }
 
 TEST(HostileBytes, IndexFileOfTheUsualOrder) {
   const HostileStudy study(kUsualOrder);
-  ExerciseAll(study, Sample(Inversions(study, Which::Index), kSample), "bytes inverted");
-  ExerciseAll(study, Sample(Cuts(study, Which::Index), kSample), "cut");
+  ExerciseAll(study, Sample(Inversions(study.Files(), Which::Index), kSample), "bytes inverted");
+  ExerciseAll(study, Sample(Cuts(study.Files(), Which::Index), kSample), "cut");
 }

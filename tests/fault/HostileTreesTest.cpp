@@ -40,7 +40,7 @@ class HostileTrees : public testing::Test {
  protected:
   Forgery Forged() const { return Forgery(study); }
   std::uint32_t Word(std::size_t offset) const {
-    return static_cast<std::uint32_t>(WordAt(study.Files().index, offset));
+    return static_cast<std::uint32_t>(NumberAt(study.Files().index, offset));
   }
   std::uint32_t Root(std::size_t tree) const { return Word(Header(tree) + kRoot); }
   /// A word of a node, sealed.

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <filesystem>
@@ -15,7 +16,9 @@
 #include "store/DBI_IO.h"
 #include "store/pod.h"
 #include "store/vbdbase.h"
+#include "tests/fault/FileMap.h"
 #include "tests/fault/LargestRequest.h"
+#include "tests/support/Bytes.h"
 
 namespace {
 
@@ -85,8 +88,11 @@ CaseResult Visit::Run() {
   indexSize_ = SizeOf(base_ + ".kx");
   lowestHandle_ = LowestHandle();
   ForgetRequests();
+  const bool upgraded = IsOfAnotherVersion();
   Try([this] { OpenDatabase(base_); });
-  if (IsOpen()) {
+  if (IsOpen() && upgraded) {
+    TryLocked([this] { ReadPoints(); });
+  } else if (IsOpen()) {
     TryLocked([this] { Read(); });
     silentRead_ = exceptions_ == 0 && !loss_.empty();
     Write();
@@ -95,6 +101,20 @@ CaseResult Visit::Run() {
   Close();
   CheckTraces();
   return Verdict();
+}
+
+/// Whether opening the study rebuilds both of its files.
+bool Visit::IsOfAnotherVersion() const {
+  constexpr std::size_t at = 24;
+  const std::string data = ReadBytes(base_ + ".ksb");
+  if (data.size() < at + 4) return false;
+  const auto version = static_cast<std::int32_t>(NumberAt(data, at));
+  return version > 0 && version != vbDatabase::VBDVersion;
+}
+
+/// The one object that a rebuilt index leads to: the library knows no other class of the study.
+void Visit::ReadPoints() {
+  if (ReadByKey({Kind::Points}) == Found::Missing) Lose("the design points are missing");
 }
 
 void Visit::Read() {

@@ -27,6 +27,8 @@ class Visit {
   void Fail(const std::string& what);
   void Lose(const std::string& what);
 
+  bool IsOfAnotherVersion() const;
+  void ReadPoints();
   void Read();
   void Write();
   void ReadAll();

@@ -13,7 +13,9 @@
 #include "store/KestErr.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/Descriptors.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/Log.h"
+#include "tests/support/StudyCheck.h"
 #include "tests/support/TempFolder.h"
 
 // What stops OpenDatabase, and what a failed open leaves behind.
@@ -23,9 +25,13 @@ namespace {
 /// The two files of a study, that a case damages.
 struct StudyFiles {
   explicit StudyFiles(const std::string& path)
-      : base(path), data(path + ".ksb"), index(path + ".kx"), lock(path + ".lck") {}
+      : base(path),
+        data(path + ".ksb"),
+        copy(path + ".ksb.new"),
+        index(path + ".kx"),
+        lock(path + ".lck") {}
 
-  std::string base, data, index, lock;
+  std::string base, data, copy, index, lock;
 };
 
 struct Obstacle {
@@ -74,6 +80,10 @@ auto Folder(Path path) {
   };
 }
 
+auto Moved(Path from, Path to) {
+  return [=](const StudyFiles& files) { std::filesystem::rename(files.*from, files.*to); };
+}
+
 template <class First, class Second>
 auto Both(First first, Second second) {
   return [=](const StudyFiles& files) {
@@ -83,6 +93,7 @@ auto Both(First first, Second second) {
 }
 
 constexpr Path data = &StudyFiles::data;
+constexpr Path copy = &StudyFiles::copy;
 constexpr Path index = &StudyFiles::index;
 constexpr Path lock = &StudyFiles::lock;
 
@@ -108,15 +119,15 @@ const Obstacle obstacles[] = {
     Expect<CWrongFileType>("DataIsText", Contents(data, Text("B9 0B 00 00"))),
     Expect<CWrongFileType>("DataIsTextOfNoVersion", Contents(data, Text("00 00 00 00"))),
 
-    Expect<CFileNotReady>("DataOfTheFirstVersion", Patch(data, 24, "01 00 00 00")),
-    Expect<CFileNotReady>("DataOfTheVersionBefore", Patch(data, 24, "B8 0B 00 00")),
-    Expect<CFileNotReady>("DataOfTheNextVersion", Patch(data, 24, "BA 0B 00 00")),
-    Expect<CFileNotReady>("DataOfTheLastVersion", Patch(data, 24, "FF FF FF 7F")),
-    Expect<CNoIndex>("IndexMissing", Missing(index)),
-    Expect<CNoIndex>("IndexMissingToAFileOfNoVersion",
-                     Both(Missing(index), Patch(data, 24, "00 00 00 00"))),
-    Expect<CFileNotReady>("IndexMissingToAnOldVersion",
-                          Both(Missing(index), Patch(data, 24, "01 00 00 00"))),
+    Expect<CFileCorrupt>("DataOfAnOldVersionWithoutItsFirstBlock",
+                         Both(Patch(data, 24, "B8 0B 00 00"), Patch(data, 40, "00"))),
+    Expect<CFileCorrupt>("DataOfANewVersionWithoutItsFirstBlock",
+                         Both(Patch(data, 24, "BA 0B 00 00"), Patch(data, 40, "00"))),
+    Expect<CFileCreation>("DataOfAnOldVersionWithoutAPlaceForItsCopy",
+                          Both(Patch(data, 24, "B8 0B 00 00"), Folder(copy))),
+    Expect<CNoFileExists>("DataInTheCopyOfARebuild", Moved(data, copy)),
+    Expect<CNoFileExists>("DataInTheCopyOfARebuildAndNoIndex",
+                          Both(Moved(data, copy), Missing(index))),
 
     Expect<CFileOpen>("IndexIsAFolder", Folder(index)),
     Expect<CFileRead>("IndexIsEmpty", CutTo(index, 0)),
@@ -242,6 +253,28 @@ TEST_F(OpenFails, WhereTheIndexCannotBeMade) {
   EXPECT_FALSE(IsOpen());
   EXPECT_EQ(OpenDescriptors(), before);
   EXPECT_FALSE(std::filesystem::exists(folder / "study.lck"));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "study.kx"));
+}
+
+TEST_F(OpenFails, WhereANewStudyFindsTheDiskFullAndLeavesNoIndex) {
+  for (unsigned long size = 0; size < 60000; size += size < 1000 ? 20 : 1500) {
+    const auto before = OpenDescriptors();
+    {
+      const FileSizeLimit full(size);
+      EXPECT_THROW(OpenDatabase(folder / "study"), CFileWrite) << size;
+    }
+    EXPECT_FALSE(IsOpen());
+    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_FALSE(std::filesystem::exists(folder / "study.kx")) << size;
+    EXPECT_FALSE(std::filesystem::exists(folder / "study.lck")) << size;
+    if (size >= 40) {
+      OpenDatabase(folder / "study");
+      CloseDatabase();
+      EXPECT_EQ(FaultsOfStudy(folder / "study"), "") << size;
+      std::filesystem::remove(folder / "study.kx");
+    }
+    std::filesystem::remove(folder / "study.ksb");
+  }
 }
 
 TEST_F(OpenFails, AndTheNextOpenWorks) {

@@ -320,6 +320,60 @@ TEST_F(Updates, RemovalsWhoseKeyCannotBeRemovedKeepTheObject) {
   }
 }
 
+// ---- A full disk, wherever it is met ----
+
+class UpdatesAtEveryLimit : public UpdatesInALargeFile {
+ protected:
+  void SetUp() override {
+    UpdatesInALargeFile::SetUp();
+    old = Store(1, "old");
+    Store(2, "other");
+  }
+
+  /// Tries to update object 1 while no file can be written at or behind `limit`. It has its old
+  /// form or, where the update had room, its new one; the other objects are as they were.
+  void TryToUpdate(const std::string& text, unsigned long limit) {
+    bool updated = false;
+    try {
+      const FileSizeLimit full(limit);
+      updated = Plain(1, text).PutObject();
+    } catch (const CFileWrite&) {
+      // Told, and nothing else.
+    }
+    if (updated) current = text;
+    ASSERT_EQ(TextOf(1), current) << limit;
+    ASSERT_EQ(TextOf(2), "other") << limit;
+    ASSERT_EQ(TextOf(9), std::string(70000, 'x')) << limit;
+    ASSERT_EQ(Plain(1).CountObjects(), 3) << limit;
+  }
+
+  long old = 0;
+  std::string current = "old";
+};
+
+TEST_F(UpdatesAtEveryLimit, OfTheNewBlockKeepTheOldForm) {
+  // 28 bytes of headers, 8 + 12 in front of the text, 4 behind it.
+  const unsigned long size = SizeOf(study.DataPath());
+  for (unsigned long limit = size; limit < size + 1052; limit += 7) {
+    TryToUpdate(std::string(1000, 'n'), limit);
+    ASSERT_EQ(current, "old") << limit;
+  }
+  EXPECT_EQ(Fault(), "");
+  countBefore = 3;
+  ExpectOldForm(old, "old");
+}
+
+TEST_F(UpdatesAtEveryLimit, OfTheFilesKeepAllObjects) {
+  const unsigned long size = SizeOf(study.DataPath()) + 3000;
+  for (unsigned long limit = 0; limit < size; limit += 499) {
+    TryToUpdate(std::string(limit % 1700, static_cast<char>('a' + limit % 26)), limit);
+    study.Reopen();
+    ASSERT_EQ(TextOf(1), current) << limit;
+    ASSERT_EQ(TextOf(2), "other") << limit;
+  }
+  EXPECT_NE(current, "old");  // the last ones had room
+}
+
 // ---- The largest file ----
 
 constexpr long kLongestFile = 2147483647;

@@ -19,7 +19,22 @@ void AddPrinted(const char* kind, const char* format, va_list arguments) {
   Entries().push_back({kind, text, "", 0});
 }
 
+ssize_t AddStreamed(void*, const char* text, std::size_t size) {
+  Entries().push_back({"fKLog", std::string(text, size), "", 0});
+  return static_cast<ssize_t>(size);
+}
+
+std::FILE* OpenLogStream() {
+  cookie_io_functions_t functions{};
+  functions.write = AddStreamed;
+  std::FILE* stream = fopencookie(nullptr, "w", functions);
+  std::setvbuf(stream, nullptr, _IONBF, 0);  // its entries stand in order with those of functions
+  return stream;
+}
+
 }  // namespace
+
+FILE* fKLog = OpenLogStream();
 
 std::ostream& operator<<(std::ostream& stream, const LogEntry& entry) {
   stream << entry.kind << " \"" << entry.text << '"';

@@ -7,7 +7,8 @@
 // A double of the environment's logging library: a test program with Log.cpp among its sources
 // logs to here in place of the log stream.
 
-/// A line of the log. `kind` is the name of the logging function.
+/// A line of the log. `kind` is the name of the logging function, or "fKLog" for what was written
+/// to that stream.
 struct LogEntry {
   std::string kind;
   std::string text;  ///< the message, what() or, for LGenException, nothing
@@ -24,5 +25,5 @@ std::ostream& operator<<(std::ostream& stream, const LogEntry& entry);
 const std::vector<LogEntry>& Log();
 void ClearLog();
 
-/// The texts of LError, LWarn and LPrint, one after the other.
+/// The texts of LError, LWarn, LPrint and fKLog, one after the other.
 std::string PrintedLog();
