@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Stores a table of design points in a study, defines what they are about, checks the definitions,
 # makes a task of them, fits a model as a run engine would, and reads the study back, each in a
-# process of its own.
+# process of its own. Then a run engine solves published problems, and the command line looks at one
+# of their studies, which stay in build/demo.
 
 source "$(dirname "${BASH_SOURCE[0]}")/cmake/setup.sh"
 need "${build_packages[@]}"
 
-step "Building the example program"
+step "Building the example programs"
 cmake --preset release
-cmake --build --preset release --target designtable
+cmake --build --preset release --target designtable engine kestdb_program
 
 program=build/release/examples/designtable/designtable
 points=examples/designtable/points.csv
@@ -32,3 +33,13 @@ ls -l "$study"
 
 step "Showing them, as another process reads them from the study"
 "$program" show "$study"
+
+step "Solving published problems"
+rm -rf build/demo
+mkdir -p build/demo
+build/release/examples/engine/engine build/demo
+
+step "What the command line tells of one of them"
+build/release/tools/kestdb info build/demo/weldedbeam
+
+step "The studies are in build/demo; try build/release/tools/kestdb --help"
