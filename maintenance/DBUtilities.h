@@ -2,11 +2,12 @@
 
 #include <string>
 
+#include "maintenance/vbdstats.h"
 #include "store/api.h"
 
-// Upkeep of the files of a study: checks, reports, rebuilds, and the clearing of stale locks. For a
-// study that no process has open. Each run is told in the log between a Start and an End line, also
-// when it fails. All pass on the failures of the file layer.
+// Upkeep of the files of a study: checks, reports, rebuilds, and the clearing of stale locks, made
+// of the steps of vbdstats.h. For a study that no process has open. Each run is told in the log
+// between a Start and an End line, also when it fails. All pass on the failures of the file layer.
 
 /// Checks the header and all blocks of a data file. The argument is the path of the file.
 /// THROWS CNoFileExists, CFileRead, CFileNotWriteable by the owner's permissions, CFileNotReady for
