@@ -4,8 +4,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 build_packages=(g++ cmake ninja-build pkg-config libgtest-dev libbenchmark-dev libeigen3-dev
-  libboost-math-dev libnlopt-cxx-dev libmuparser-dev libcli11-dev libsqlite3-dev doxygen dpkg-dev
-  file)
+  libboost-math-dev libnlopt-cxx-dev libmuparser-dev libcli11-dev libsqlite3-dev liblmdb-dev
+  nlohmann-json3-dev doxygen dpkg-dev file)
 
 # step TEXT...: says what comes now.
 step() {

@@ -2,14 +2,19 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "control/DesignControl.h"
+#include "definition/Auxiliary.h"
 #include "definition/DBCtrl.h"
 #include "definition/GPoint.h"
+#include "definition/Input.h"
+#include "definition/Resp.h"
 #include "environment/Logging.h"
 #include "environment/Utilities.h"
 #include "index/KSBKey.h"
@@ -21,6 +26,7 @@
 #include "store/layout.h"
 #include "store/pod.h"
 #include "store/vbdbase.h"
+#include "store/walk.h"
 
 POD* pPOD = nullptr;
 
@@ -205,9 +211,27 @@ void MakeIfMissing() {
   if (!object.FindObject()) object.WriteObject(false);
 }
 
+/// The first ID behind those of all definitions of a kind.
+template <class Definition>
+long FreeID() {
+  const std::vector<int> ids = kestdb::AllIDs<Definition>(pPOD);
+  return ids.empty() ? 1 : *std::max_element(ids.begin(), ids.end()) + 1L;
+}
+
+/// A study that lost its counters, by damage or by a process that died as it stored them, must not
+/// hand out IDs in use.
+void MakeCountersIfMissing() {
+  CDBCtrl counters(pPOD);
+  if (counters.FindObject()) return;
+  counters.NextInputID = FreeID<CInput>();
+  counters.NextRespID = FreeID<CResp>();
+  counters.NextAuxID = FreeID<CAuxiliary>();
+  counters.WriteObject(false);
+}
+
 /// Writes the singleton objects that the study lacks.
 void MakeSingletons() {
-  MakeIfMissing<CDBCtrl>();
+  MakeCountersIfMissing();
   MakeIfMissing<CDesignControl>();
   MakeIfMissing<CGPoint>();
 }

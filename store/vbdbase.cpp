@@ -66,6 +66,7 @@ void vbDatabase::Create(const std::string& path, vbINT32 staticSize, signed char
   m_pFile = vbdFPTRCreate(path);
   if (m_pFile == nullptr) Throw<CFileCreation>();
   m_bOpen = m_bReady = m_bReadable = m_bWriteable = true;
+  m_bCreated = true;
   m_strFileName = path;
   SetRevisionLetter(revision);
   m_nLastOperation = kHasRead;
@@ -115,7 +116,7 @@ void vbDatabase::Forget() {
   m_pFile = nullptr;
   m_nKnownLength = 0;
   m_strFileName = vbDefaultFileName;
-  m_bOpen = m_bReady = m_bReadable = m_bWriteable = false;
+  m_bOpen = m_bReady = m_bReadable = m_bWriteable = m_bCreated = false;
 }
 
 void vbDatabase::Flush() try {

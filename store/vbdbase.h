@@ -305,6 +305,7 @@ class KESTDB_API vbDatabase {
   vbBlockHeader RequireObject(vbINT32 address, vbINT32& block);
   vbINT32 MakeBlock(unsigned long size, vbDatabaseReclaimMethod method, std::vector<char>* object);
   vbINT32 Extend(unsigned long bytes, std::vector<char>* object);
+  bool MayBeShort() const;
   void FillBlock(long address, unsigned long bytes, std::vector<char>* object, unsigned long zeros);
   void FillReclaimed(const vbINT32& address, std::vector<char>& object);
   void PutChecksum(const std::vector<char>& object, char* place) const;
@@ -335,6 +336,7 @@ class KESTDB_API vbDatabase {
   vbdFPTR* m_pFile = nullptr;
   long m_nKnownLength = 0;  ///< the file was found to be that long, or longer, under this lock
   int m_nLastOperation = 0;
+  bool m_bCreated = false;  ///< by this object, and open since
   bool m_bOpen = false;
   bool m_bReady = false;
   bool m_bReadable = false;

@@ -23,6 +23,9 @@ struct BlockHeaders {
 };
 static_assert(sizeof(BlockHeaders) == sizeof(vbBlockHeader) + sizeof(vbRecordLockHeader));
 
+/// The longest static area that an old file may promise and not have.
+constexpr long kLongestUnwritten = 65536;
+
 /// A new block is filled with zeros by the write of its headers when it is no larger than this.
 constexpr unsigned long kFilledAtOnce = 4096;
 
@@ -130,9 +133,9 @@ vbINT32 vbDatabase::Extend(unsigned long bytes, std::vector<char>* object) {
   const long heap = m_Header.HeapStart;
   const long end = address + static_cast<long>(bytes);
   if (end > kLongestFile) return 0;
-  // A header that names a place before the heap or, with blocks in it, behind the file is wrong.
+  // A header that names a place before the heap or behind the file is wrong.
   if (heap < static_cast<long>(FileHeaderSize()) || address < heap ||
-      (address > heap && !Reaches(address))) {
+      !(Reaches(address) || MayBeShort())) {
     Throw<CFileCorrupt>();
   }
   // The file gets its length at once: a small block is filled, a large one gets its last byte.
@@ -146,6 +149,13 @@ vbINT32 vbDatabase::Extend(unsigned long bytes, std::vector<char>* object) {
   m_Header.EndOfFile = end;
   m_Header.HighestVB = address;
   return address;
+}
+
+/// Whether the first block may start behind the end of the file: nobody may have written to the
+/// static area yet. The header of a file that was not made just now is not believed in any length.
+bool vbDatabase::MayBeShort() const {
+  if (m_Header.EndOfFile != m_Header.HeapStart) return false;
+  return m_bCreated || m_Header.HeapStart - Length() <= kLongestUnwritten;
 }
 
 /// Writes the headers of a normal block, the record lock free, and behind them the object with its

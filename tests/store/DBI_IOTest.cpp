@@ -10,6 +10,9 @@
 #include "control/DesignControl.h"
 #include "definition/DBCtrl.h"
 #include "definition/GPoint.h"
+#include "definition/Input.h"
+#include "definition/Resp.h"
+#include "maintenance/Lock.h"
 #include "store/KestErr.h"
 #include "store/vbdbase.h"
 #include "tests/environment/ChangedVariable.h"
@@ -58,6 +61,27 @@ TEST_F(EntryPoints, AFreshStudyHoldsExactlyItsSingletons) {
   EXPECT_EQ(classes, singletonClasses);
   EXPECT_EQ(FaultOf(data), "");
   EXPECT_EQ(FaultOf(index), "");
+}
+
+TEST_F(EntryPoints, LostCountersAreMadeBehindTheIDsInUse) {
+  OpenDatabase(folder / "study");
+  {
+    const CLock lock(GetPOD(), 0);
+    for (const int id : {5, 2}) {
+      CInput input(GetPOD());
+      input.m_nID = id;
+      input.PutObject();
+    }
+    CResp response(GetPOD());
+    response.m_nID = 7;
+    response.PutObject();
+    ASSERT_TRUE(CDBCtrl(GetPOD()).RemoveObject());
+  }
+  OpenDatabase(folder / "study");
+  CDBCtrl counters(GetPOD());
+  EXPECT_EQ(counters.GetInputID(false), 6);
+  EXPECT_EQ(counters.GetRespID(false), 8);
+  EXPECT_EQ(counters.GetAuxID(false), 1);
 }
 
 /// A block of revision C in normal use.

@@ -347,6 +347,16 @@ TEST_F(Blocks, ObjectWithoutAHeaderIsNotStored) {
   EXPECT_EQ(db.Length(), 40);
 }
 
+TEST_F(Blocks, AnEmptyHeapFarBehindTheFileIsCorrupt) {
+  // A header of a file that holds some bytes, with its heap, empty, at 0x20202020.
+  db.Close();
+  file.Reopen(vbReadWrite);
+  file.Patch(4, std::string(8, ' '));
+  db.ReadFileHdr();
+  EXPECT_THROW(db.Alloc(9, vbReclaimFirstFit), CFileCorrupt);
+  EXPECT_EQ(db.Length(), 40);
+}
+
 TEST_F(Blocks, WholeObjectIsReadWithoutItsChecksum) {
   const long object = file.Add(digits);
   std::vector<char> bytes(500, 'x');
