@@ -10,6 +10,7 @@
 #include "store/assertion.h"
 #include "store/podcheck.h"
 #include "store/report.h"
+#include "task/TableReport.h"
 
 // The report of one model. All that can be wrong with it is found before a line is printed.
 
@@ -41,7 +42,7 @@ void PrintTerm(std::FILE* stream, const CApproxModels& model, const kestdb::Mode
                std::size_t term) {
   const std::size_t count = names.variables.size();
   const std::slice exponents(term * count, count, 1);
-  const std::vector<std::string> name = kestdb::NameLines(
+  const std::vector<std::string> name = kestdb::NamePieces(
       kestdb::TermName(model.m_Model[exponents], names.variables), kestdb::kTermColumns);
   std::fprintf(stream, "%23.23s  %#12.5g  %#12.5g  %#12.5g  %#12.5g\n", name.front().c_str(),
                model.m_Coefficients[term], model.m_StdErrors[term], model.m_TStats[term],

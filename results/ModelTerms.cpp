@@ -1,10 +1,10 @@
 #include "results/ModelTerms.h"
 
-#include "environment/Utilities.h"
 #include "store/report.h"
 #include "store/walk.h"
 #include "task/DResp.h"
 #include "task/DVar.h"
+#include "task/TableReport.h"
 #include "task/Task.h"
 
 namespace {
@@ -35,16 +35,8 @@ std::string kestdb::TermName(const std::valarray<int>& exponents,
   return isConstant ? "Constant" : name;
 }
 
-std::vector<std::string> kestdb::NameLines(std::string name, int columns) {
-  std::vector<std::string> lines(1);
-  CKUtil::SplitName(name, columns, lines.back());
-  std::string line;
-  while (!name.empty() && CKUtil::SplitName(name, columns, line)) lines.push_back(line);
-  return lines;
-}
-
 void kestdb::PrintModelHead(std::FILE* stream, const std::string& response, std::size_t terms) {
-  const std::vector<std::string> name = NameLines(response, 50);
+  const std::vector<std::string> name = NamePieces(response, 50);
   std::fprintf(stream, "        Independent response: %-50.50s\n", name.front().c_str());
   for (std::size_t i = 1; i < name.size(); ++i) {
     std::fprintf(stream, "                              %-50.50s\n", name[i].c_str());

@@ -37,9 +37,6 @@ void RequireSize(std::size_t size, const Arrays&... arrays) {
 std::string TermName(const std::valarray<int>& exponents,
                      const std::vector<std::string>& variables);
 
-/// The pieces in which a name fills a column of that width; at least one.
-std::vector<std::string> NameLines(std::string name, int columns);
-
 /// The part of a model's head that tells what it is about, down to the bar.
 void PrintModelHead(std::FILE* stream, const std::string& response, std::size_t terms);
 

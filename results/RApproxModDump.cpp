@@ -11,6 +11,7 @@
 #include "store/KestErr.h"
 #include "store/podcheck.h"
 #include "store/report.h"
+#include "task/TableReport.h"
 
 // The report of the final models. All that can be wrong with them is found before a line is
 // printed.
@@ -48,7 +49,7 @@ void RequireFit(const Models& models, const kestdb::ModelNames& names) {
 
 void PrintTerm(std::FILE* stream, const Models& models, const kestdb::ModelNames& names,
                unsigned long term, unsigned long response) {
-  const std::vector<std::string> name = kestdb::NameLines(
+  const std::vector<std::string> name = kestdb::NamePieces(
       kestdb::TermName(models.ExponentsOf(term), names.variables), kestdb::kTermColumns);
   std::fprintf(stream, "%23.23s  %#12.5g\n", name.front().c_str(),
                models.coefficients.At(term, response));

@@ -12,6 +12,7 @@
 #include "store/report.h"
 #include "store/walk.h"
 #include "task/DResp.h"
+#include "task/TableReport.h"
 
 // The report of an analysis. All that can be wrong with it is found before a line is printed.
 
@@ -56,7 +57,7 @@ std::vector<int> DesignNumbers(POD* pod, int taskID, std::size_t count) {
 }
 
 void PrintHead(std::FILE* stream, const std::string& response) {
-  const std::vector<std::string> name = kestdb::NameLines(response, 70);
+  const std::vector<std::string> name = kestdb::NamePieces(response, 70);
   std::fprintf(stream, "                                RESIDUAL SUMMARY\n");
   kestdb::PrintBar(stream, '=');
   std::fprintf(stream, "Response: %-70.70s\n", name.front().c_str());

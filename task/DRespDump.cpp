@@ -144,7 +144,8 @@ void PrintRandom(const Report& report) {
             {"DResp  Name       Random Parameter   \n", "-----  ------  ----------------------\n"});
       },
       [&](const Entry& entry) {
-        const std::vector<std::string> name = kestdb::RandomNamePieces(report.NameOf(entry));
+        const std::vector<std::string> name =
+            kestdb::NamePieces(report.NameOf(entry), kestdb::kRandomNameWidth);
         std::fprintf(report.stream, "%5d  %-6.6s  %22.22s\n", entry.sequence, name.front().c_str(),
                      ParameterText(entry.parameter));
         kestdb::PrintNameRest(report.stream, name, kestdb::kRandomNameIndent);

@@ -199,7 +199,8 @@ void PrintScaling(const Report& report) {
 
 void PrintRandomRow(const Report& report, const Entry& entry) {
   constexpr long unknown = -1;
-  const std::vector<std::string> name = kestdb::RandomNamePieces(report.NameOf(entry));
+  const std::vector<std::string> name =
+      kestdb::NamePieces(report.NameOf(entry), kestdb::kRandomNameWidth);
   const auto variable = static_cast<std::size_t>(entry.random);
   std::fprintf(
       report.stream, "%5d  %-6.6s  %22.22s  %22.22s\n", entry.sequence, name.front().c_str(),

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr int kNameWidth = 14;
-
 template <class Split>
 std::vector<std::string> Pieces(std::string text, Split split) {
   std::vector<std::string> pieces(1);
@@ -19,9 +17,9 @@ std::vector<std::string> Pieces(std::string text, Split split) {
 
 }  // namespace
 
-std::vector<std::string> kestdb::NamePieces(std::string name) {
-  return Pieces(std::move(name), [](std::string& rest, std::string& piece) {
-    return CKUtil::SplitName(rest, kNameWidth, piece);
+std::vector<std::string> kestdb::NamePieces(std::string name, int columns) {
+  return Pieces(std::move(name), [columns](std::string& rest, std::string& piece) {
+    return CKUtil::SplitName(rest, columns, piece);
   });
 }
 

@@ -17,8 +17,8 @@
 
 namespace kestdb {
 
-/// The pieces in which a name fills its column of 14; at least one.
-std::vector<std::string> NamePieces(std::string name);
+/// The pieces in which a name fills a column of that width; at least one.
+std::vector<std::string> NamePieces(std::string name, int columns = 14);
 
 /// The lines that a text fills in a column of that width; at least one.
 std::vector<std::string> TextPieces(std::string text, int columns);

@@ -186,7 +186,7 @@ CDPoint RequireFirstPoint(POD* pod, const vbINT32& task) {
 
 /// The element of a table of entries, `missing` behind its end.
 int EntryAt(const std::vector<vbINT32>& entries, std::size_t i, int missing) {
-  return i < entries.size() ? static_cast<int>(long{entries[i]}) : missing;
+  return static_cast<int>(kestdb::ElementOr(entries, i, missing));
 }
 
 /// The random variables of a task's table.

@@ -72,15 +72,6 @@ std::string kestdb::SetText(const std::vector<vbFLOAT64>& members) {
   return text;
 }
 
-std::vector<std::string> kestdb::RandomNamePieces(std::string name) {
-  constexpr int width = 6;
-  std::vector<std::string> pieces(1);
-  CKUtil::SplitName(name, width, pieces.back());
-  std::string piece;
-  while (!name.empty() && CKUtil::SplitName(name, width, piece)) pieces.push_back(piece);
-  return pieces;
-}
-
 void kestdb::PrintNameRest(std::FILE* stream, const std::vector<std::string>& pieces, int indent) {
   for (std::size_t i = 1; i < pieces.size(); ++i) {
     std::fprintf(stream, "%*s%s\n", indent, "", pieces[i].c_str());

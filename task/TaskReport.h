@@ -25,11 +25,6 @@ struct Entry {
   bool IsRandom() const { return random >= 0; }
 };
 
-/// The element of a table that may be shorter than its fellows.
-inline long ElementOr(const std::vector<vbINT32>& elements, std::size_t i, long otherwise) {
-  return i < elements.size() ? long{elements[i]} : otherwise;
-}
-
 /// The entries of a task's table, `parameters` being those of their distributions. THROWS
 /// CInvalidArgument for a table without a position for each.
 template <class Table>
@@ -86,11 +81,11 @@ std::string FunctionText(const std::string& function, const std::vector<std::str
 /// The members, separated by commas.
 std::string SetText(const std::vector<vbFLOAT64>& members);
 
-/// The pieces in which a name fills its column in the section of what is random; at least one.
-std::vector<std::string> RandomNamePieces(std::string name);
-
 /// Prints what a name has behind its first piece, each piece on a line of its own under the first.
 void PrintNameRest(std::FILE* stream, const std::vector<std::string>& pieces, int indent);
+
+/// The width of a name in the section of what is random.
+inline constexpr int kRandomNameWidth = 6;
 
 /// Where the names begin in the table, and in the section of what is random.
 inline constexpr int kNameIndent = 25;

@@ -37,6 +37,11 @@ auto& ElementAt(Elements& elements, long i) {
   return elements[static_cast<std::size_t>(i)];
 }
 
+/// The element of a table that may be shorter than its fellows.
+inline long ElementOr(const std::vector<vbINT32>& elements, std::size_t i, long otherwise) {
+  return i < elements.size() ? long{elements[i]} : otherwise;
+}
+
 /// A row of ones for each row of arguments, of the same length: what older records lack.
 inline std::vector<std::vector<vbINT32>> OnesFor(
     const std::vector<std::vector<vbINT32>>& arguments) {

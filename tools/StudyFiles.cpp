@@ -30,10 +30,6 @@ void RequireAccess(const std::string& path, int mode) {
   throw Refusal(kNotOpened, path + ": " + std::strerror(errno));
 }
 
-bool IsSignature(const vbFileHeader& header, const char* known) {
-  return std::memcmp(header.Signature, known, sizeof header.Signature) == 0;
-}
-
 void RequireNoLostData(const StudyFiles& files) {
   if (BytesOf(files.copy) < 0) return;
   throw Refusal(kNotOpened, files.data + " does not exist, but " + files.copy +
@@ -62,9 +58,7 @@ std::optional<vbFileHeader> HeaderOf(const std::string& path) {
                                                              std::fclose);
   vbFileHeader header;
   if (file == nullptr || std::fread(&header, sizeof header, 1, file.get()) != 1) return {};
-  const bool known = IsSignature(header, vbDatabase::VBDSignature) ||
-                     IsSignature(header, vbDatabase::VBDSignatureOld);
-  return known ? std::optional(header) : std::nullopt;
+  return header.HasKnownSignature() ? std::optional(header) : std::nullopt;
 }
 
 void RequireStudy(const StudyFiles& files) {

@@ -10,8 +10,8 @@
 
 #include "definition.h"
 #include "engine.h"
+#include "examples/support/surface.h"
 #include "problems.h"
-#include "surface.h"
 
 namespace {
 

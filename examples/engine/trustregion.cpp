@@ -5,7 +5,7 @@
 #include <nlopt.hpp>
 #include <stdexcept>
 
-#include "surface.h"
+#include "examples/support/surface.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <valarray>
 #include <vector>
 
-#include "examples/support/LeastSquares.h"
+#include "examples/support/surface.h"
 #include "results/ApproxModels.h"
 #include "results/RApproxMod.h"
 #include "results/Residual.h"
@@ -41,71 +41,19 @@ LeastSquares FitOfSecondOrder() {
   return FitLeastSquares(rows, yields);
 }
 
-/// What a value is for each point.
-std::valarray<double> ByPoint(const LeastSquares& fit, double PointStatistics::*value) {
-  std::valarray<double> values(fit.points.size());
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = fit.points[i].*value;
-  return values;
-}
-
-std::valarray<double> ArrayOf(const std::vector<double>& values) {
-  return {values.data(), values.size()};
-}
-
 class CentralComposite : public ModelStudy {
  protected:
   CentralComposite() { StoreTask({"x", "y"}, {"yield"}); }
 
-  void StoreModel() {
-    CApproxModels model = ModelOf(0, {0, 0, 1, 0, 0, 1, 2, 0, 0, 2, 1, 1}, fit.coefficients);
-    model.m_StdErrors = ArrayOf(fit.stdErrors);
-    model.m_TStats = ArrayOf(fit.tStats);
-    model.m_PValues = ArrayOf(fit.pValues);
-    model.PutObject();
-  }
-  void StoreFinalModels() {
-    CRApproxMod models(study.Pod());
-    models.m_nTaskID = 1;
-    models.m_nRowMod = 2;
-    models.m_nColMod = models.m_nRowCoeff = 6;
-    models.m_nColCoeff = 1;
-    models.m_Model = {0, 1, 0, 2, 0, 1,  // x
-                      0, 0, 1, 0, 2, 1};
-    models.m_Coeff = ArrayOf(fit.coefficients);
-    models.PutObject();
-  }
+  void StoreModel() { ::StoreModel(1, 0, 0, terms, fit); }
+  void StoreFinalModels() { StoreFinalModel(1, terms, fit); }
   void StoreResiduals() {
-    CResidual analysis(study.Pod());
-    analysis.m_nTaskID = 1;
-    analysis.m_HDiagonal = ByPoint(fit, &PointStatistics::leverage);
-    analysis.m_Predicted = ByPoint(fit, &PointStatistics::predicted);
-    analysis.m_Residual = ByPoint(fit, &PointStatistics::residual);
-    analysis.m_Standardized = ByPoint(fit, &PointStatistics::standardized);
-    analysis.m_Studentized = ByPoint(fit, &PointStatistics::studentized);
-    analysis.m_RStudentized = ByPoint(fit, &PointStatistics::rStudentized);
-    analysis.m_Press = ByPoint(fit, &PointStatistics::press);
-    analysis.m_Cook = ByPoint(fit, &PointStatistics::cook);
-    StoreStatistics(analysis);
-    analysis.PutObject();
-  }
-  void StoreStatistics(CResidual& analysis) {
-    analysis.m_fErrorMS = fit.error.mean;
-    analysis.m_fModelSS = fit.model.sum;
-    analysis.m_fModelMS = fit.model.mean;
-    analysis.m_fErrorSS = fit.error.sum;
-    analysis.m_fTotalSS = fit.total.sum;
-    analysis.m_fF0 = fit.f0;
-    analysis.m_fP = fit.p;
-    analysis.m_fSumResiduals = 0.0;  // but for rounding
-    analysis.m_fPRESS = fit.press;
-    analysis.m_fRMSE = fit.RootMeanSquareError();
-    analysis.m_fMeanResponse = fit.meanResponse;
-    analysis.m_fCoeffVariation = fit.CoefficientOfVariation();
-    analysis.m_fR2 = fit.r2;
-    analysis.m_fAdjR2 = fit.adjustedR2;
-    analysis.m_fR2Press = fit.r2Press;
+    LeastSquares exact = fit;
+    exact.sumOfResiduals = 0.0;  // but for rounding
+    ::StoreResiduals(1, 0, exact);
   }
 
+  const std::vector<std::vector<int>> terms = QuadraticTerms(2);
   const LeastSquares fit = FitOfSecondOrder();
 };
 

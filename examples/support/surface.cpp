@@ -1,4 +1,4 @@
-#include "surface.h"
+#include "examples/support/surface.h"
 
 #include <kestdb.h>
 
