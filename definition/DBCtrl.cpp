@@ -42,8 +42,7 @@ void CDBCtrl::Load() {
 }
 
 void CDBCtrl::Commit() {
-  if (!RemoveObject()) Throw<CObjectNotRemoved>();
-  WriteObject(false);
+  if (!ReplaceObject()) Throw<CObjectNotRemoved>();
 }
 
 int CDBCtrl::Take(vbINT32 CDBCtrl::*counter, bool commit) try {

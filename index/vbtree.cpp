@@ -40,17 +40,21 @@ std::size_t EntryBytes(const BtreeNode& node) {
 
 constexpr long kLongestFile = std::numeric_limits<std::int32_t>::max();
 
+/// To ask the system for the length of the file costs as much as to read a node. Nodes up to this
+/// size are taken into memory without.
+constexpr long kUsualNodes = 65536;
+
 }  // namespace
 
 namespace kestdb {
 
 TreeWalk::TreeWalk(vBtree& tree) : tree_(tree) {
   if (tree.Database == nullptr) Throw<CBadObjectAddress>();
-  const long length = tree.Database->Length();
-  if (tree.EntrySize <= static_cast<long>(sizeof(vbINT32)) || tree.TotalNodeSize() > length) {
+  const long size = tree.TotalNodeSize();
+  if (tree.EntrySize <= static_cast<long>(sizeof(vbINT32)) || size <= 0 ||
+      (size > kUsualNodes && size > tree.Database->Length())) {
     Throw<CFileCorrupt>();
   }
-  stepsLeft_ = length / tree.TotalNodeSize();
 }
 
 TreeWalk::TreeWalk(vBtree& tree, DatabaseKeyB& key) : TreeWalk(tree) {
@@ -114,19 +118,41 @@ void vBtree::ReadBtreeHeader() try {
   if (!Database->IsReadable()) Throw<CFileNotReady>();
   HeaderImage image;
   Database->Read(image.data(), sizeof image, HeaderAddress);
+  TakeHeader(image);
+}
+LOG_AND_RETHROW
+
+void vBtree::LoadBtreeHeader() try {
+  RequireDatabase();
+  const char* bytes = Database->Front(HeaderAddress, sizeof stored_);
+  if (bytes == nullptr) return ReadBtreeHeader();
+  HeaderImage image;
+  std::memcpy(image.data(), bytes, sizeof image);
+  TakeHeader(image);
+}
+LOG_AND_RETHROW
+
+void vBtree::TakeHeader(const std::array<vbINT32, 7>& image) {
   for (std::size_t i = 0; i < image.size(); ++i) this->*kHeaderFields[i] = image[i];
   stored_ = image;
   HeaderCurrent = true;
 }
-LOG_AND_RETHROW
 
-void vBtree::WriteBtreeHeader() try {
+/// Writes the header by `write(bytes, size)`.
+template <class Write>
+void vBtree::StoreHeader(Write write) {
   RequireDatabase();
   if (!Database->IsWriteable()) Throw<CFileNotReady>();
   const HeaderImage image = ImageOf(*this);
-  Database->Write(image.data(), sizeof image, HeaderAddress, false, true);
+  write(image.data(), sizeof image);
   stored_ = image;
   HeaderCurrent = true;
+}
+
+void vBtree::WriteBtreeHeader() try {
+  StoreHeader([this](const void* bytes, std::size_t size) {
+    Database->Write(bytes, size, HeaderAddress, false, true);
+  });
 }
 LOG_AND_RETHROW
 
@@ -138,7 +164,8 @@ void vBtree::ReadNode(BtreeNode& node, vbINT32 address) try {
   RequireDatabase();
   node.KeyCount = 0;
   node.FileAddress = 0;
-  const bool sound = Database->ReadWholeObject(address, node.FileImage);
+  const auto likely = static_cast<unsigned long>(node.SizeOfBtreeNode());
+  const bool sound = Database->ReadWholeObject(address, node.FileImage, likely);
   const std::vector<char>& image = node.FileImage;
   // A block that could not hold a full node of this tree is none of its nodes.
   const bool large = static_cast<long>(image.size()) >= node.SizeOfBtreeNode();
@@ -162,21 +189,18 @@ void vBtree::WriteNode(const BtreeNode& node, vbINT32 address) try {
   if (node.KeyCount > node.MaxKeys) Throw<CFileCorrupt>();
   const NodeHeader header{node.KeyCount, node.LeftBranch};
   const std::size_t used = sizeof header + EntryBytes(node);
-  // What lies behind the entries stays as the block holds it. When that is known it can go back
-  // with them, and node and checksum are one verified write.
-  const bool known = node.FileAddress == address;
+  // What lies behind the entries stays as the block holds it, so that node and checksum are one
+  // verified write.
   std::vector<char>& image = node.FileImage;
-  if (!known) image.resize(used);
+  if (node.FileAddress != address) {
+    Database->ReadWholeObject(address, image, static_cast<unsigned long>(node.SizeOfBtreeNode()));
+  }
+  node.FileAddress = 0;
+  if (image.size() < used) Throw<CFileCorrupt>();
   std::memcpy(image.data(), &header, sizeof header);
   std::memcpy(image.data() + sizeof header, node.Entries.get(), used - sizeof header);
-  node.FileAddress = 0;
-  if (known) {
-    Database->WriteWholeObject(address, image);
-    node.FileAddress = address;
-  } else {
-    Database->Write(image.data(), used, address, false, false);
-    Database->WriteObjectChecksum(address);
-  }
+  Database->WriteWholeObject(address, image);
+  node.FileAddress = address;
 }
 LOG_AND_RETHROW
 
@@ -186,8 +210,9 @@ long vBtree::TotalNodeSize() const {
 }
 
 void vBtree::Flush() try {
-  WriteBtreeHeader();
-  Database->Flush();
+  StoreHeader([this](const void* bytes, std::size_t size) {
+    Database->WriteFront(bytes, size, HeaderAddress);
+  });
 }
 LOG_AND_RETHROW
 

@@ -40,6 +40,8 @@ class KESTDB_API vBtree {
   /// THROW CFileNotReady.
   void ReadBtreeHeader();
   void WriteBtreeHeader();
+  /// Takes the header over as the file's front held it when that was last read.
+  void LoadBtreeHeader();
   /// Whether the header is another than the one last read or written.
   bool HeaderDiffers() const;
 
@@ -121,6 +123,9 @@ class KESTDB_API vBtree {
 
  private:
   void RequireDatabase() const;
+  void TakeHeader(const std::array<vbINT32, 7>& image);
+  template <class Write>
+  void StoreHeader(Write write);
   vbINT32 AllocNode();
   void RemoveNode(vbINT32 address);
   void CountEntries(long change);

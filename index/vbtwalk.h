@@ -9,8 +9,8 @@
 namespace kestdb {
 
 /// The way of one operation through a tree, from node to node downwards. Whatever the file says, it
-/// hands out no node larger than the file, and takes no more steps than the file has room for
-/// nodes. THROWS CFileCorrupt.
+/// hands out no huge node that isn't in the file, and takes no more steps than a tree is deep.
+/// THROWS CFileCorrupt.
 class TreeWalk {
  public:
   explicit TreeWalk(vBtree& tree);
@@ -42,8 +42,12 @@ class TreeWalk {
   }
 
  private:
+  /// A split leaves no node with a single child, so that a file of 2 GiB is full before a tree has
+  /// 31 levels. The walk from a key to the next one takes two ways down.
+  static constexpr int kMostSteps = 64;
+
   vBtree& tree_;
-  long stepsLeft_;
+  int stepsLeft_ = kMostSteps;
 };
 
 }  // namespace kestdb

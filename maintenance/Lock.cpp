@@ -178,8 +178,8 @@ void CLock::LoadHeaders() const {
   }
   if (vbDatabase* index = Pod->IndexFile(); IsOpen(index)) {
     index->Refresh();
-    index->ReadFileHdr();
-    ForEachTree(*Pod, [](vBtree& tree) { tree.ReadBtreeHeader(); });
+    index->ReadFront();
+    ForEachTree(*Pod, [](vBtree& tree) { tree.LoadBtreeHeader(); });
   }
 }
 

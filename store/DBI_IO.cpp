@@ -205,10 +205,18 @@ void CleanEquations(int version) {
 
 // ---- What every study holds ----
 
+/// Whether the study holds the object. A full disk may have left its key alone, or a block behind
+/// the end that the file header tells.
+bool IsStored(vbPersistent& object) {
+  if (!object.FindObject()) return false;
+  vbDatabase& data = *pPOD->DataFile();
+  return object.ObjectAddress() < data.GetEOF() && !data.IsFreed(object.ObjectAddress());
+}
+
 template <class Singleton>
 void MakeIfMissing() {
   Singleton object(pPOD);
-  if (!object.FindObject()) object.WriteObject(false);
+  if (!IsStored(object)) object.PutObject();
 }
 
 /// The first ID behind those of all definitions of a kind.
@@ -222,11 +230,11 @@ long FreeID() {
 /// hand out IDs in use.
 void MakeCountersIfMissing() {
   CDBCtrl counters(pPOD);
-  if (counters.FindObject()) return;
+  if (IsStored(counters)) return;
   counters.NextInputID = FreeID<CInput>();
   counters.NextRespID = FreeID<CResp>();
   counters.NextAuxID = FreeID<CAuxiliary>();
-  counters.WriteObject(false);
+  counters.PutObject();
 }
 
 /// Writes the singleton objects that the study lacks.

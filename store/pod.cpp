@@ -126,6 +126,7 @@ void POD::AttachIndex(DatabaseKeyB& key, vbINT32 order, int create, Start start,
   if (m_pIndexFile != nullptr) Throw<CDatabaseOpen>();
   const CLock lock(this, 0);
   FileOwner file(new vbDatabase);
+  file->SetWholeTransfers();
   start(*file.Get());
   const long slot = static_cast<long>(file->FileHeaderSize());
   std::vector<std::unique_ptr<vBtree>> trees;

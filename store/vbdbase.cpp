@@ -4,9 +4,9 @@
 #include <array>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 #include "store/KestErr.h"
-#include "store/crc32.h"
 #include "store/crc32kernels.h"
 
 // Files, bytes and the file header. Blocks: vbdblock.cpp, vbdfree.cpp, vbdwalk.cpp; locks:
@@ -15,6 +15,9 @@
 namespace {
 
 enum Operation : int { kHasRead = 0, kHasWritten = 1, kHasSought = 4 };
+
+/// A static area up to here is read and written as one.
+constexpr long kLongestFront = 8192;
 
 /// The shape that a revision letter gives to a file. A letter that no version ever wrote is taken
 /// for damage to that one byte.
@@ -65,6 +68,7 @@ void vbDatabase::Create(const std::string& path, vbINT32 staticSize, signed char
   Forget();
   m_pFile = vbdFPTRCreate(path);
   if (m_pFile == nullptr) Throw<CFileCreation>();
+  SetBuffer();
   m_bOpen = m_bReady = m_bReadable = m_bWriteable = true;
   m_bCreated = true;
   m_strFileName = path;
@@ -74,11 +78,19 @@ void vbDatabase::Create(const std::string& path, vbINT32 staticSize, signed char
 }
 LOG_AND_RETHROW
 
+/// Sizes the buffer of the stream, which has not been used yet. It keeps four bytes, not none: with
+/// those alone the stream would count as unbuffered.
+void vbDatabase::SetBuffer() {
+  if (!m_bWholeTransfers || isNoBufSet) return;
+  std::setvbuf(m_pFile->Stream, m_SmallBuffer, _IOFBF, sizeof m_SmallBuffer);
+}
+
 void vbDatabase::Open(const std::string& path, vbDatabaseAccessMode mode) try {
   if (IsUsable()) Throw<CDatabaseOpen>();
   Forget();
   m_pFile = vbdFPTROpen(path, mode);
   if (m_pFile == nullptr) Throw<CFileOpen>();
+  SetBuffer();
   m_bReadable = true;
   m_bWriteable = mode != vbReadOnly;
   m_bOpen = m_bReady = true;
@@ -115,6 +127,7 @@ void vbDatabase::Forget() {
   if (vbdFPTRClose(m_pFile) != 0) vbdFPTRClose(m_pFile);  // the second call frees the handle
   m_pFile = nullptr;
   m_nKnownLength = 0;
+  m_Front.clear();
   m_strFileName = vbDefaultFileName;
   m_bOpen = m_bReady = m_bReadable = m_bWriteable = m_bCreated = false;
 }
@@ -225,13 +238,29 @@ void vbDatabase::Write(const void* buffer, unsigned long size, vbINT32 address, 
     if (vbdFPTRFlush(m_pFile) != 0) FailWrite();
     Seek(0, vbSeekCurrent);
   }
-  if (verify && calcCRC32(static_cast<const char*>(buffer), static_cast<unsigned int>(size)) !=
-                    CalcChecksum(size, start, true)) {
-    Throw<CChecksum>();
+  if (verify) {
+    if (!Holds(buffer, size, start)) Throw<CChecksum>();
+    m_nKnownLength = std::max(m_nKnownLength, start + static_cast<long>(size));
   }
-  if (verify) m_nKnownLength = std::max(m_nKnownLength, start + static_cast<long>(size));
+  if (start < static_cast<long>(m_Front.size())) {
+    const auto place = static_cast<std::size_t>(long{start});
+    std::memcpy(m_Front.data() + place, buffer, std::min(size, m_Front.size() - place));
+  }
 }
 LOG_AND_RETHROW
+
+/// Whether the file itself has these bytes at `address`.
+bool vbDatabase::Holds(const void* bytes, unsigned long size, vbINT32 address) {
+  const auto* expected = static_cast<const char*>(bytes);
+  std::array<char, 8192> found;
+  for (unsigned long part = 0; size > 0; size -= part, expected += part) {
+    part = std::min(size, found.size());
+    Read(found.data(), part, address);
+    if (std::memcmp(found.data(), expected, part) != 0) return false;
+    address = vbCurrAddress;
+  }
+  return true;
+}
 
 unsigned long vbDatabase::CalcChecksum(unsigned long size, vbINT32 address, int allocate) try {
   SeekTo(address);
@@ -261,6 +290,38 @@ void vbDatabase::WriteFileHdr() try {
 }
 LOG_AND_RETHROW
 
+void vbDatabase::ReadFront() try {
+  m_Front.clear();
+  const long end = m_Header.HeapStart;
+  if (end < static_cast<long>(sizeof m_Header) || end > kLongestFront || !Reaches(end)) {
+    return ReadFileHdr();
+  }
+  std::vector<char> front(static_cast<std::size_t>(end));
+  Read(front.data(), front.size(), vbStartOfFile);
+  std::memcpy(&m_Header, front.data(), sizeof m_Header);
+  m_Front = std::move(front);
+}
+LOG_AND_RETHROW
+
+const char* vbDatabase::Front(vbINT32 address, unsigned long size) const {
+  const long behind = address + static_cast<long>(size);
+  const bool held = address >= 0 && behind <= static_cast<long>(m_Front.size());
+  return held ? m_Front.data() + address : nullptr;
+}
+
+void vbDatabase::WriteFront(const void* bytes, unsigned long size, vbINT32 address) try {
+  if (address < static_cast<long>(sizeof m_Header) || Front(address, size) == nullptr) {
+    Write(bytes, size, address, false, true);
+    return WriteFileHdr();
+  }
+  const auto place = static_cast<std::size_t>(long{address});
+  std::vector<char> image(m_Front.data(), m_Front.data() + place + size);
+  std::memcpy(image.data(), &m_Header, sizeof m_Header);
+  std::memcpy(image.data() + place, bytes, size);
+  Write(image.data(), image.size(), vbStartOfFile, false, true);
+}
+LOG_AND_RETHROW
+
 void vbDatabase::InitFileHdr(vbINT32 staticSize) try {
   const long heapStart = staticSize + static_cast<long>(FileHeaderSize());
   if (staticSize < 0 || heapStart > kLongestFile) Throw<CInvalidArgument>();
@@ -283,6 +344,7 @@ void vbDatabase::Refresh() try {
   BringOut();
   vbdFPTRRefresh(m_pFile);
   m_nKnownLength = 0;
+  m_Front.clear();
   m_nLastOperation = kHasSought;
 }
 LOG_AND_RETHROW

@@ -105,6 +105,10 @@ class KESTDB_API vbDatabase {
   /// Closes the file. THROWS what Close throws, unless another exception is in flight.
   virtual ~vbDatabase() noexcept(false);
 
+  /// For a file of which only whole blocks and headers are moved, before it is opened: the stream
+  /// gets a buffer so small that they go past it. A larger one reads what nobody asked for.
+  void SetWholeTransfers() { m_bWholeTransfers = true; }
+
   /// Makes a new file or truncates an old one. `revision` is normalised by SetRevisionLetter.
   /// THROWS CDatabaseOpen, CFileCreation.
   virtual void Create(const std::string& path, vbINT32 staticSize, signed char revision);
@@ -160,6 +164,17 @@ class KESTDB_API vbDatabase {
   void WriteFileHdr();
   void InitFileHdr(vbINT32 staticSize);
 
+  // The front of the file: all that stands before the heap. What one lock read of it is kept, so
+  // that headers which lie side by side take one transfer.
+
+  /// Reads the file header and, unless it is unusually large, the whole front.
+  void ReadFront();
+  /// The `size` bytes at `address` as they were read and written under this lock; null where the
+  /// front isn't known.
+  const char* Front(vbINT32 address, unsigned long size) const;
+  /// Writes `size` bytes of the static area, verified, and the file header.
+  void WriteFront(const void* bytes, unsigned long size, vbINT32 address);
+
   /// Drops what was read ahead, so that the next reads see what other processes wrote.
   void Refresh();
 
@@ -204,6 +219,9 @@ class KESTDB_API vbDatabase {
   bool Delete(vbINT32 address, bool remove);
   bool Remove(vbINT32 address) { return Delete(address, true); }
 
+  /// Whether the object at `address` lies in a block that was freed since.
+  bool IsFreed(vbINT32 address);
+
   /// Makes a deleted block live again, false when it can't. Removed blocks don't come back.
   bool UnDelete(vbINT32 address);
 
@@ -242,8 +260,9 @@ class KESTDB_API vbDatabase {
   /// THROWS CInvalidArgument for an object without a header.
   vbINT32 StoreObject(std::vector<char>& object);
 
-  /// Reads a whole object into `object` in one go and tells whether its checksum agrees.
-  bool ReadWholeObject(vbINT32 address, std::vector<char>& object);
+  /// Reads a whole object into `object` in one go and tells whether its checksum agrees. Where its
+  /// length is the `likely` one, its block takes a single transfer.
+  bool ReadWholeObject(vbINT32 address, std::vector<char>& object, unsigned long likely = 0);
   /// Writes a whole object and its checksum in one verified go. REQUIRES that the object fills its
   /// block.
   void WriteWholeObject(vbINT32 address, const std::vector<char>& object);
@@ -294,13 +313,16 @@ class KESTDB_API vbDatabase {
   unsigned long ChecksumSize() const;
 
   void BringOut();
+  void SetBuffer();
   void Turn(vbINT32 address, int opposite);
   [[noreturn]] void FailWrite();
   void ReadAt(void* buffer, unsigned long size, long address);
+  bool Holds(const void* bytes, unsigned long size, vbINT32 address);
   void Forget();
 
   bool Reaches(long end);
   bool IsGoodBlock(const vbBlockHeader& header, long address);
+  bool ReadLikelyBlock(long address, unsigned long length, std::vector<char>& block);
   vbBlockHeader RequireBlock(long address);
   vbBlockHeader RequireObject(vbINT32 address, vbINT32& block);
   vbINT32 MakeBlock(unsigned long size, vbDatabaseReclaimMethod method, std::vector<char>* object);
@@ -334,8 +356,11 @@ class KESTDB_API vbDatabase {
   signed char m_RevisionLetter = 'C';
   vbFileHeader m_Header;
   vbdFPTR* m_pFile = nullptr;
+  std::vector<char> m_Front;
+  char m_SmallBuffer[4]{};
   long m_nKnownLength = 0;  ///< the file was found to be that long, or longer, under this lock
   int m_nLastOperation = 0;
+  bool m_bWholeTransfers = false;
   bool m_bCreated = false;  ///< by this object, and open since
   bool m_bOpen = false;
   bool m_bReady = false;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -199,6 +200,9 @@ bool vbDatabase::Delete(vbINT32 address, bool remove) try {
   header.NextDeleted = m_Header.FreeSpace;
   WriteBlockHdr(header, block);
   if (m_Header.FreeSpace != vbFSListCorrupt) m_Header.FreeSpace = block;
+  // A unit that failed may have left the block behind the end that its header tells. Free, it can
+  // be used again; no walk would come to what is stored there.
+  m_Header.EndOfFile = std::max<long>(m_Header.EndOfFile, block + static_cast<long>(header.Length));
   return true;
 }
 LOG_AND_RETHROW
@@ -236,11 +240,28 @@ bool vbDatabase::ReadObjectChecksum(vbINT32 address, unsigned long* stored,
 }
 LOG_AND_RETHROW
 
-bool vbDatabase::ReadWholeObject(vbINT32 address, std::vector<char>& object) try {
-  const unsigned long length = ObjectLength(address);
-  object.resize(length + ChecksumSize());
-  Read(object.data(), object.size(), vbCurrAddress);
+/// Reads `length` bytes at `address` and tells whether they are one whole block.
+bool vbDatabase::ReadLikelyBlock(long address, unsigned long length, std::vector<char>& block) {
+  if (address < 0 || !Reaches(address + static_cast<long>(length))) return false;
+  block.resize(length);
+  Read(block.data(), length, address);
+  vbBlockHeader header;
+  std::memcpy(&header, block.data(), sizeof header);
+  return IsValid(header.CheckWord) && header.Length == length;
+}
+
+bool vbDatabase::ReadWholeObject(vbINT32 address, std::vector<char>& object,
+                                 unsigned long likely) try {
+  const long headers = static_cast<long>(VBHeaderSize());
+  if (likely != 0 && address != vbCurrAddress &&
+      ReadLikelyBlock(address - headers, likely + BlockOverhead(), object)) {
+    object.erase(object.begin(), object.begin() + headers);
+  } else {
+    object.resize(ObjectLength(address) + ChecksumSize());
+    Read(object.data(), object.size(), vbCurrAddress);
+  }
   if (ChecksumSize() == 0) return true;
+  const unsigned long length = object.size() - ChecksumSize();
   vbUINT32 stored;
   std::memcpy(&stored, object.data() + length, sizeof stored);
   object.resize(length);

@@ -9,12 +9,13 @@
 /// `previous` has the address 0 at the head. Marks a list that isn't sound.
 template <class Visit>
 vbDatabase::FreeWalk vbDatabase::WalkFreeList(Visit visit) {
-  // No list has more members than the smallest blocks that the file could hold.
-  long left = Length() / static_cast<long>(VBHeaderSize());
   FreeBlock previous;
   FreeBlock block;
+  long smallest = 0;
   for (vbINT32 address = m_Header.FreeSpace; address != 0; address = block.Header.NextDeleted) {
-    const FreeWalk found = left-- > 0 ? ReadFreeBlock(address, block) : FreeWalk::NoBlock;
+    // No list has more members than the smallest blocks that the file could hold.
+    smallest += static_cast<long>(VBHeaderSize());
+    const FreeWalk found = Reaches(smallest) ? ReadFreeBlock(address, block) : FreeWalk::NoBlock;
     if (found != FreeWalk::Stopped) {
       m_Header.FreeSpace = vbFSListCorrupt;
       return found;
@@ -27,8 +28,8 @@ vbDatabase::FreeWalk vbDatabase::WalkFreeList(Visit visit) {
 
 /// Stopped for a sound member of the list, else what is wrong with it.
 vbDatabase::FreeWalk vbDatabase::ReadFreeBlock(vbINT32 address, FreeBlock& block) {
-  const long lastStart = Length() - static_cast<long>(sizeof block.Header);
-  if (address < m_Header.HeapStart || address > lastStart) return FreeWalk::NoBlock;
+  const long behind = address + static_cast<long>(sizeof block.Header);
+  if (address < m_Header.HeapStart || !Reaches(behind)) return FreeWalk::NoBlock;
   block.Address = address;
   ReadAt(&block.Header, sizeof block.Header, address);
   if (!IsGoodBlock(block.Header, address)) return FreeWalk::NoBlock;
@@ -107,6 +108,12 @@ bool vbDatabase::HasRoom(unsigned long size, vbINT32 freed) try {
     return Fits(block.Header.Length, bytes);
   };
   return WalkFreeList(fits) == FreeWalk::Stopped;
+}
+LOG_AND_RETHROW
+
+bool vbDatabase::IsFreed(vbINT32 address) try {
+  FreeBlock block;
+  return ReadFreeBlock(address - static_cast<long>(VBHeaderSize()), block) == FreeWalk::Stopped;
 }
 LOG_AND_RETHROW
 

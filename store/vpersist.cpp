@@ -138,26 +138,27 @@ bool vbPersistent::Find(vbINT32 address, vbINT32 classID) try {
 LOG_AND_RETHROW
 
 bool vbPersistent::Delete(vbINT32 address, vbINT32 classID) try {
-  return Free(address, classID, false);
+  return Free(address, classID, false) == Freed::Yes;
 }
 LOG_AND_RETHROW
 
 bool vbPersistent::Remove(vbINT32 address, vbINT32 classID) try {
-  return Free(address, classID, true);
+  return Free(address, classID, true) == Freed::Yes;
 }
 LOG_AND_RETHROW
 
-bool vbPersistent::Free(vbINT32 address, vbINT32 classID, bool remove) {
+vbPersistent::Freed vbPersistent::Free(vbINT32 address, vbINT32 classID, bool remove) {
   KSBKey key = RequireKey(address, classID);
   // Block and key go under one lock: between two, the new free list would be lost.
   const CLock lock(m_pDatabase, 0);
   KSBKey found = key;
   KSBKey scratch;
-  if (!FindKey(found, scratch, GetVBClassIndex(), true)) return false;
+  if (!FindKey(found, scratch, GetVBClassIndex(), true)) return Freed::NoKey;
   m_ObjectAddress = found.ObjectAddress;
-  if (!Data().Delete(m_ObjectAddress, remove)) return false;
+  if (!Data().Delete(m_ObjectAddress, remove)) return Freed::NoLiveBlock;
   try {
-    return RemoveKey(key, scratch, GetVBClassIndex(), true);
+    RemoveKey(key, scratch, GetVBClassIndex(), true);
+    return Freed::Yes;
   } catch (...) {
     PutBack(0, found.ObjectAddress);
     throw;
@@ -211,18 +212,33 @@ LOG_AND_RETHROW
 
 bool vbPersistent::PutObject() try {
   const CLock lock(m_pDatabase, 0);
+  const Freed freed = Replace();
+  if (freed == Freed::NoLiveBlock) RemoveDeadKey();
+  return freed == Freed::Yes || Write();
+}
+LOG_AND_RETHROW
+
+bool vbPersistent::ReplaceObject() try {
+  const CLock lock(m_pDatabase, 0);
+  return Replace() == Freed::Yes;
+}
+LOG_AND_RETHROW
+
+/// Frees the old form and, where there was one, writes the new one.
+vbPersistent::Freed vbPersistent::Replace() {
   RequireRoomForUpdate();
-  if (!Remove(0, 0)) return Write();
+  const Freed freed = Free(0, 0, true);
+  if (freed != Freed::Yes) return freed;
   const vbINT32 oldAddress = m_ObjectAddress;
   m_ObjectAddress = 0;  // until the new form has a block
   try {
-    return Write();
+    Write();
   } catch (...) {
     PutBack(m_ObjectAddress, oldAddress);
     throw;
   }
+  return freed;
 }
-LOG_AND_RETHROW
 
 /// Refuses an update that can't fit while nothing is removed yet.
 void vbPersistent::RequireRoomForUpdate() {
@@ -230,6 +246,14 @@ void vbPersistent::RequireRoomForUpdate() {
   if (Data().HasRoom(size, 0)) return;
   const vbINT32 old = Find(0, 0) ? m_ObjectAddress : vbINT32(0);
   if (!Data().HasRoom(size, old)) Throw<CMemoryAlloc>();
+}
+
+/// An update that failed on a full disk, where it could not be taken back either, leaves a key that
+/// leads to the freed block. The next update must not be refused for it.
+void vbPersistent::RemoveDeadKey() {
+  KSBKey key = RequireKey(0, 0);
+  KSBKey scratch;
+  RemoveKey(key, scratch, GetVBClassIndex(), true);
 }
 
 /// After a failed update or removal: frees what there is of the new form and makes the old one live

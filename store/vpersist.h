@@ -74,6 +74,8 @@ class KESTDB_API vbPersistent {
   /// Stores the object in the place of its old form, if there is one; returns true. When that
   /// fails, the old form stays, unless its block was taken by the new one.
   bool PutObject();
+  /// The same for an object that has an old form; false, with nothing stored, when it has none.
+  bool ReplaceObject();
   /// The block can be undeleted, the key is gone.
   bool DeleteObject();
   bool RemoveObject();
@@ -125,8 +127,11 @@ class KESTDB_API vbPersistent {
   vbDatabase& Data() const;
   vBtree& Tree(unsigned int index) const;
   KSBKey RequireKey(vbINT32 address, vbINT32 classID);
-  bool Free(vbINT32 address, vbINT32 classID, bool remove);
+  enum class Freed { Yes, NoKey, NoLiveBlock };
+  Freed Free(vbINT32 address, vbINT32 classID, bool remove);
+  Freed Replace();
   void RequireRoomForUpdate();
+  void RemoveDeadKey();
   void PutBack(vbINT32 newAddress, vbINT32 oldAddress);
   void FreeQuietly(vbINT32 address);
   vbINT32 OfThisClass(vbINT32 address, vbINT32 (vbDatabase::*step)(vbINT32));

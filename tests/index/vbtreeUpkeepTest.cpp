@@ -49,6 +49,33 @@ TEST(TreeUpkeep, HeaderReachesTheFileWithAFlush) {
   EXPECT_EQ(index.Stored().Counts(), "4 1 1");
 }
 
+TEST(TreeUpkeep, FlushLeavesWhatLiesBetweenTheHeaders) {
+  TreeFile stored = TreeFile::Of("1 2 3");
+  const std::string between = Bytes("01 02 03 04 05 06 07 08 09 0A 0B 0C");
+  stored.Put(28, between);  // the lock words of the file
+  IndexFile index(stored);
+  index.Database().ReadFront();
+  index->LoadBtreeHeader();
+  index.Insert(4);
+  index->Flush();
+  EXPECT_EQ(index.Stored().Counts(), "4 1 1");
+  EXPECT_EQ(index.Stored().Text(), "1..4");
+  EXPECT_EQ(index.Stored().Part(28, 12), between);
+}
+
+TEST(TreeUpkeep, TheHeaderOfTheFrontIsLoadedAndElseThatOfTheFile) {
+  IndexFile index(TreeFile::Of("1 2 3"));
+  for (const bool front : {false, true}) {
+    if (front) index.Database().ReadFront();
+    Disturb(*index);
+    index->LoadBtreeHeader();
+    EXPECT_EQ(index->EntryCount, 3) << front;
+    EXPECT_EQ(index->Order, 32) << front;
+    EXPECT_TRUE(index->HeaderCurrent) << front;
+    EXPECT_FALSE(index->HeaderDiffers()) << front;
+  }
+}
+
 TEST(TreeUpkeep, FlushBringsEverythingOutOfTheBuffers) {
   IndexFile index;
   index.Insert(4);

@@ -84,6 +84,40 @@ TEST_F(EntryPoints, LostCountersAreMadeBehindTheIDsInUse) {
   EXPECT_EQ(counters.GetAuxID(false), 1);
 }
 
+TEST_F(EntryPoints, CountersWhoseKeyLeadsToAFreedBlockAreMadeBehindTheIDsInUse) {
+  OpenDatabase(folder / "study");
+  {
+    const CLock lock(GetPOD(), 0);
+    CInput input(GetPOD());
+    input.m_nID = 5;
+    input.PutObject();
+    CDBCtrl counters(GetPOD());
+    ASSERT_TRUE(counters.FindObject());
+    GetPOD()->DataFile()->Remove(counters.ObjectAddress());
+  }
+  OpenDatabase(folder / "study");
+  EXPECT_EQ(CDBCtrl(GetPOD()).GetInputID(true), 6);
+  EXPECT_EQ(CDBCtrl(GetPOD()).GetInputID(true), 7);
+  EXPECT_EQ(CDBCtrl(GetPOD()).CountObjects(), 1);
+}
+
+TEST_F(EntryPoints, SingletonsBehindTheEndOfTheHeaderAreBroughtBeforeIt) {
+  OpenDatabase(folder / "study");
+  CloseDatabase();
+  // As a first open leaves it whose last write failed.
+  PatchBytes(folder / "study.ksb", 4, Bytes("28 00 00 00"));
+  OpenDatabase(folder / "study");
+  CInput input(GetPOD());
+  input.m_nID = 5;
+  input.PutObject();
+  EXPECT_EQ(CDBCtrl(GetPOD()).CountObjects(), 1);
+  EXPECT_TRUE(CDBCtrl(GetPOD()).GetObject());
+  EXPECT_TRUE(CDesignControl(GetPOD()).GetObject());
+  EXPECT_TRUE(CGPoint(GetPOD()).GetObject());
+  CloseDatabase();
+  EXPECT_EQ(FaultOf(ReadRawFile(folder / "study.ksb")), "");
+}
+
 /// A block of revision C in normal use.
 std::string BlockWith(const std::string& object) {
   return Bytes("FE FE FE FE" + HexWord(static_cast<long>(28 + object.size() + 4)) +

@@ -370,6 +370,56 @@ TEST_F(Blocks, WholeObjectIsReadWithoutItsChecksum) {
   EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "023456789");
 }
 
+TEST_F(Blocks, WholeObjectIsReadWhateverItsLikelyLength) {
+  const long object = file.Add(digits);
+  for (const unsigned long likely : {1UL, 8UL, 9UL, 10UL, 5000UL, 0x7FFFFFFFUL}) {
+    std::vector<char> bytes;
+    EXPECT_TRUE(db.ReadWholeObject(object, bytes, likely)) << likely;
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), digits) << likely;
+  }
+  file.Patch(object, "0");
+  std::vector<char> bytes;
+  EXPECT_FALSE(db.ReadWholeObject(object, bytes, 9));
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "023456789");
+  EXPECT_THROW(db.ReadWholeObject(object + 1, bytes, 9), CSync);
+  EXPECT_THROW(db.ReadWholeObject(1, bytes, 9), CFileSeek);
+}
+
+TEST_F(Blocks, ABlockIsFreedOnceItIsDeletedOrRemoved) {
+  const long deleted = file.Add(digits);
+  const long removed = file.Add(digits);
+  EXPECT_FALSE(db.IsFreed(deleted));
+  db.Delete(deleted, false);
+  db.Delete(removed, true);
+  EXPECT_TRUE(db.IsFreed(deleted));
+  EXPECT_TRUE(db.IsFreed(removed));
+  db.UnDelete(deleted);
+  EXPECT_FALSE(db.IsFreed(deleted));
+}
+
+TEST_F(Blocks, WhereThereIsNoBlockNoneIsFreed) {
+  const long object = file.Add(digits);
+  for (const long address : {-1L, 0L, 1L, 67L, object + 1, object + 1000, 0x7FFFFFFFL}) {
+    EXPECT_FALSE(db.IsFreed(address)) << address;
+  }
+  db.Remove(object);
+  file.Patch(40, "X");
+  EXPECT_FALSE(db.IsFreed(object));
+}
+
+TEST_F(Blocks, ABlockThatIsFreedBehindTheEndOfTheHeaderBelongsToTheFileAgain) {
+  file.Add(digits);
+  const long object = file.Add(digits);
+  db.Flush();
+  file.Patch(4, Bytes("51 00 00 00"));  // as a unit leaves it that fails in its last step
+  db.ReadFileHdr();
+  ASSERT_EQ(db.GetEOF(), 81);
+  EXPECT_TRUE(db.Remove(object));
+  EXPECT_EQ(db.GetEOF(), 122);
+  EXPECT_EQ(db.Alloc(9, vbReclaimFirstFit), object);
+  EXPECT_EQ(db.FindNextObject(40), object) << "walks see what is stored there";
+}
+
 TEST_F(Blocks, ObjectOfALengthThatCannotBeIsRefusedBeforeItIsRead) {
   const long object = file.Add(digits);
   // Below its headers, behind the end of the file, and more than any file holds.

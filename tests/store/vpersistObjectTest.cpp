@@ -307,6 +307,46 @@ TEST_F(Objects, DeleteOfABlockThatIsFreeAlreadyLeavesTheKey) {
   }
 }
 
+TEST_F(Objects, PutReplacesAKeyThatLeadsToAFreedBlock) {
+  const long address = Store(1, "text");
+  Store(2, "other");
+  {
+    const CLock lock(study.Pod(), 0);
+    study.Pod()->DataFile()->Delete(address, true);
+  }
+  Store(1, "a text that is longer");
+  EXPECT_EQ(TextOf(1), "a text that is longer");
+  EXPECT_EQ(TextOf(2), "other");
+  EXPECT_TRUE(Plain(1).RemoveObject());
+  EXPECT_FALSE(Plain(1).FindObject());
+  ExpectSound();
+}
+
+TEST_F(Objects, ReplaceStoresNothingWithoutAnOldForm) {
+  EXPECT_FALSE(Plain(1, "text").ReplaceObject());
+  EXPECT_EQ(TextOf(1), "none");
+  EXPECT_EQ(Plain(1).CountObjects(), 0);
+}
+
+TEST_F(Objects, ReplaceStoresTheSameBytesAsPut) {
+  Store(1, "text");
+  study.Close();
+  const std::string data = ReadBytes(study.DataPath());
+  const std::string index = ReadBytes(study.IndexPath());
+  study.Open();
+  Store(1, "much longer");
+  study.Close();
+  const std::string expectedData = ReadBytes(study.DataPath());
+  const std::string expectedIndex = ReadBytes(study.IndexPath());
+  WriteBytes(study.DataPath(), data);
+  WriteBytes(study.IndexPath(), index);
+  study.Open();
+  EXPECT_TRUE(Plain(1, "much longer").ReplaceObject());
+  study.Close();
+  EXPECT_EQ(ReadBytes(study.DataPath()), expectedData);
+  EXPECT_EQ(ReadBytes(study.IndexPath()), expectedIndex);
+}
+
 TEST_F(Objects, TheLastObjectLeavesAnEmptyTree) {
   {
     const CLock lock(study.Pod(), 0);
