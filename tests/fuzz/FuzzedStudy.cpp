@@ -18,7 +18,7 @@ FuzzedStudy::FuzzedStudy()
 }
 
 void FuzzedStudy::Write(const FilePair& files) {
-  for (const char* left : {".lck", ".kx.old", ".ksb.new"}) {
+  for (const char* left : {".lck", ".kx.old", ".kx.new", ".ksb.new"}) {
     std::filesystem::remove_all(base_ + left);
   }
   WriteBytes(DataPath(), files.data);

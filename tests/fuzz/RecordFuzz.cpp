@@ -1,6 +1,9 @@
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 #include <memory>
+#include <utility>
 
 #include "control/DesignControl.h"
 #include "definition/Auxiliary.h"
@@ -28,6 +31,7 @@
 #include "task/Task.h"
 #include "tests/fuzz/FuzzedStudy.h"
 #include "tests/fuzz/Fuzzing.h"
+#include "tests/fuzz/Mutator.h"
 #include "tests/fuzz/Target.h"
 #include "tests/support/StoredRecord.h"
 
@@ -107,14 +111,38 @@ void ReportResults(POD* pod, std::FILE* stream, int task) {
   TryReport([=] { CMessage::Dump(pod, stream, task); });
 }
 
-void PutRecords(POD* pod, const std::string& input) {
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < kMostRecords && input.size() - at > kHead; ++i) {
+struct Record {
+  unsigned char classIndex;
+  std::string bytes;
+};
+
+/// The last one may be cut.
+std::vector<Record> Split(const std::string& input) {
+  std::vector<Record> records;
+  for (std::size_t at = 0; records.size() < kMostRecords && input.size() - at > kHead;) {
     const auto byte = [&](std::size_t n) { return static_cast<unsigned char>(input[at + n]); };
     const std::size_t length = byte(1) + 256U * byte(2);
-    const std::string record = input.substr(at + kHead, length);
-    PutRecord(pod, byte(0) % kClasses.size(), record);
-    at += kHead + record.size();
+    records.push_back({byte(0), input.substr(at + kHead, length)});
+    at += kHead + records.back().bytes.size();
+  }
+  return records;
+}
+
+std::string Join(const std::vector<Record>& records) {
+  std::string input;
+  for (const Record& record : records) {
+    const std::size_t length = record.bytes.size();
+    input += static_cast<char>(record.classIndex);
+    input += static_cast<char>(length);
+    input += static_cast<char>(length >> 8);
+    input += record.bytes;
+  }
+  return input;
+}
+
+void PutRecords(POD* pod, const std::string& input) {
+  for (const Record& record : Split(input)) {
+    PutRecord(pod, record.classIndex % kClasses.size(), record.bytes);
   }
 }
 
@@ -141,14 +169,83 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   return 0;
 }
 
+// ---- Mutation ----
+
+namespace {
+
+/// A version, a count, a length, or half of a real.
+void PutWord(std::string& record, Mutator& mutator) {
+  const std::size_t words[] = {
+      0, 1, 2, 3, mutator.Below(32), mutator.Below(256), 65535, 0x7FFFFFFF, 0xFFFFFFFF, 0xF07F};
+  const std::size_t word = words[mutator.Below(std::size(words))];
+  const std::size_t place = mutator.Below(4) == 0 ? 0 : mutator.Below(record.size());
+  for (std::size_t i = 0; i < 4 && place + i < record.size(); ++i) {
+    record[place + i] = static_cast<char>(word >> 8 * i);
+  }
+}
+
+void MutateOne(std::vector<Record>& records, std::size_t room, Mutator& mutator) {
+  const std::size_t n = mutator.Below(records.size());
+  Record& record = records[n];
+  std::string& bytes = record.bytes;
+  switch (mutator.Below(8)) {
+    case 0:
+      record.classIndex = static_cast<unsigned char>(mutator.Below(kClasses.size()));
+      break;
+    case 1:
+      if (records.size() < kMostRecords) records.push_back(Record(record));
+      break;
+    case 2:
+      if (records.size() > 1) records.erase(records.begin() + static_cast<std::ptrdiff_t>(n));
+      break;
+    case 3:
+    case 4:
+      if (!bytes.empty()) PutWord(bytes, mutator);
+      break;
+    default:
+      MutateText(bytes, std::min<std::size_t>(bytes.size() + room, 0xFFFF));
+  }
+}
+
+std::size_t Mutate(std::vector<Record> records, Mutator& mutator, std::uint8_t* place,
+                   std::size_t mostSize) {
+  if (records.empty()) records.push_back({});
+  for (std::size_t i = mutator.Below(4) + 1; i > 0; --i) {
+    const std::size_t size = Join(records).size();
+    MutateOne(records, mostSize > size ? mostSize - size : 0, mutator);
+  }
+  return HandOver(Join(records), place, mostSize);
+}
+
+}  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t mostSize, unsigned seed) {
+  Mutator mutator(seed);
+  return Mutate(Split({reinterpret_cast<const char*>(data), size}), mutator, data, mostSize);
+}
+
+/// Records of both.
+extern "C" std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* data1, std::size_t size1,
+                                                 const std::uint8_t* data2, std::size_t size2,
+                                                 std::uint8_t* out, std::size_t mostSize,
+                                                 unsigned seed) {
+  std::vector<Record> records = Split({reinterpret_cast<const char*>(data1), size1});
+  Mutator mutator(seed);
+  for (const Record& record : Split({reinterpret_cast<const char*>(data2), size2})) {
+    const auto at = static_cast<std::ptrdiff_t>(mutator.Below(records.size() + 1));
+    if (mutator.Below(2) == 0) records.insert(records.begin() + at, record);
+  }
+  if (records.size() > kMostRecords) records.resize(kMostRecords);
+  return Mutate(std::move(records), mutator, out, mostSize);
+}
+
 /// The objects of the study, each by itself.
 std::vector<std::string> Seeds() {
   std::vector<std::string> seeds;
   for (const StoredObject& object : FuzzedStudy::Instance().Objects()) {
-    const auto length = static_cast<unsigned>(object.record.size());
-    const auto index = static_cast<char>(object.make(nullptr)->GetVBClassIndex());
-    seeds.push_back({index, static_cast<char>(length), static_cast<char>(length >> 8)});
-    seeds.back() += object.record;
+    const auto index = static_cast<unsigned char>(object.make(nullptr)->GetVBClassIndex());
+    seeds.push_back(Join({{index, object.record}}));
   }
   return seeds;
 }
