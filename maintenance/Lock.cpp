@@ -9,6 +9,7 @@
 #include <cstring>
 #include <ctime>
 #include <exception>
+#include <utility>
 
 #include "environment/Logging.h"
 #include "environment/Utilities.h"
@@ -88,17 +89,19 @@ void MakeDirectory(const std::string& path) {
   Throw<CFileLock>();
 }
 
-std::string AsideName(const std::string& path) {
-  return path + "_" + std::to_string(std::rand());
+constexpr std::size_t kLongestSuffix = 16;
+
+/// Another name for the directory. Needs no memory when `aside` has room for it.
+void NameAside(std::string& aside, const std::string& path) {
+  aside.assign(path).append("_").append(std::to_string(std::rand()));
 }
 
 /// The rename is what ends the lock, in one step, so that nobody sees it half removed.
-void RemoveDirectory(const std::string& path) {
+void RemoveDirectory(const std::string& path, std::string& aside) {
   static unsigned nRandRename = 0;
   static unsigned nRandRemove = 0;
-  std::string aside;
   const bool renamed = Retry(kTries, nRandRename, [&] {
-    aside = AsideName(path);
+    NameAside(aside, path);
     return std::rename(path.c_str(), aside.c_str()) == 0;
   });
   if (!renamed) {
@@ -130,7 +133,11 @@ CLock::CLock(POD* pod, long thread) try {
   ReadTimeOut();
   if (pod == nullptr) Throw<CNullPtr>();
   if (pod->LockHeld() && (thread == 0 || thread == lLockThread)) return;
-  MakeDirectory(pod->LockPath());
+  // All that takes memory comes before the directory, which must go away also without any.
+  std::string path = pod->LockPath();
+  m_strAside.reserve(path.size() + kLongestSuffix);
+  MakeDirectory(path);
+  Path = std::move(path);
   Hold(pod, thread);
 }
 LOG_AND_RETHROW
@@ -147,7 +154,6 @@ CLock::~CLock() noexcept(false) {
 /// Makes the lock, whose directory stands, this object's.
 void CLock::Hold(POD* pod, long thread) {
   Pod = pod;
-  Path = pod->LockPath();
   pod->m_bLockHeld = true;
   lLockThread = thread;
   try {
@@ -156,7 +162,7 @@ void CLock::Hold(POD* pod, long thread) {
     // No destructor runs for a lock that was never made. That the directory could not be removed
     // is in the log; the first failure goes on.
     kestdb::FirstFailure ignored;
-    ignored.Run([this] { RemoveDirectory(Path); });
+    ignored.Run([this] { RemoveDirectory(Path, m_strAside); });
     LetGo();
     throw;
   }
@@ -205,7 +211,7 @@ void CLock::UnLock() try {
   if (Pod == nullptr) return;
   kestdb::FirstFailure failure;
   failure.Run([this] { StoreHeaders(); });
-  RemoveDirectory(Path);
+  RemoveDirectory(Path, m_strAside);
   LetGo();
   failure.Rethrow();
 }
@@ -219,7 +225,8 @@ void CLock::HandOver(POD& to) {
 }
 
 void CLock::ForceUnlock() {
-  const std::string aside = AsideName(m_strLockNameSta);
+  std::string aside;
+  NameAside(aside, m_strLockNameSta);
   if (locked) return;
   for (int i = 0; i < kForcedTries; ++i) {
     if (std::rename(m_strLockNameSta.c_str(), aside.c_str()) == 0) {

@@ -48,6 +48,8 @@ class KESTDB_API CLock {
   void LetGo();
   void LoadHeaders() const;
   void StoreHeaders() const;
+
+  std::string m_strAside;  ///< has room for the name that the directory gets at the end
 };
 
 /// Locks the whole file for writing by fcntl, without waiting, and unlocks it. Return true.

@@ -226,8 +226,10 @@ class FieldReader {
   void Take(std::valarray<Element>& elements) {
     std::vector<Stored<Element>> stored;
     Take(stored);
-    elements.resize(stored.size());
-    for (std::size_t i = 0; i < stored.size(); ++i) elements[i] = static_cast<Element>(stored[i]);
+    // Not resized: where memory runs out, some libraries leave what was freed in a valarray.
+    std::valarray<Element> taken(stored.size());
+    for (std::size_t i = 0; i < stored.size(); ++i) taken[i] = static_cast<Element>(stored[i]);
+    elements.swap(taken);
   }
   template <class Element>
   void TakeOver(std::vector<Element>& elements) {

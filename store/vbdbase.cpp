@@ -66,12 +66,13 @@ vbDatabase::~vbDatabase() noexcept(false) {
 void vbDatabase::Create(const std::string& path, vbINT32 staticSize, signed char revision) try {
   if (IsUsable()) Throw<CDatabaseOpen>();
   Forget();
+  std::string name = path;  // memory runs out here, while nothing is open
   m_pFile = vbdFPTRCreate(path);
   if (m_pFile == nullptr) Throw<CFileCreation>();
   SetBuffer();
   m_bOpen = m_bReady = m_bReadable = m_bWriteable = true;
   m_bCreated = true;
-  m_strFileName = path;
+  m_strFileName = std::move(name);
   SetRevisionLetter(revision);
   m_nLastOperation = kHasRead;
   InitFileHdr(staticSize);
@@ -88,13 +89,14 @@ void vbDatabase::SetBuffer() {
 void vbDatabase::Open(const std::string& path, vbDatabaseAccessMode mode) try {
   if (IsUsable()) Throw<CDatabaseOpen>();
   Forget();
+  std::string name = path;  // memory runs out here, while nothing is open
   m_pFile = vbdFPTROpen(path, mode);
   if (m_pFile == nullptr) Throw<CFileOpen>();
   SetBuffer();
   m_bReadable = true;
   m_bWriteable = mode != vbReadOnly;
   m_bOpen = m_bReady = true;
-  m_strFileName = path;
+  m_strFileName = std::move(name);
   m_nLastOperation = kHasWritten;
   try {
     ReadFileHdr();

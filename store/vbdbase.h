@@ -329,7 +329,7 @@ class KESTDB_API vbDatabase {
   vbINT32 Extend(unsigned long bytes, std::vector<char>* object);
   bool MayBeShort() const;
   void FillBlock(long address, unsigned long bytes, std::vector<char>* object, unsigned long zeros);
-  void FillReclaimed(const vbINT32& address, std::vector<char>& object);
+  void FreeAgain(const vbINT32& address, const vbINT32& head);
   void PutChecksum(const std::vector<char>& object, char* place) const;
 
   bool Splits(unsigned long length, unsigned long bytes) const;

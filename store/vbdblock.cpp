@@ -102,29 +102,24 @@ vbINT32 vbDatabase::MakeBlock(unsigned long size, vbDatabaseReclaimMethod method
   }
   if (address == 0) return Extend(total, object);
   try {
-    FillBlock(address, total, nullptr, 0);
+    FillBlock(address, total, object, 0);
   } catch (...) {
-    m_Header.FreeSpace = head;  // the block is still what it was
+    FreeAgain(address, head);
     throw;
   }
-  if (object != nullptr) FillReclaimed(address + static_cast<long>(VBHeaderSize()), *object);
   if (address > m_Header.HighestVB) m_Header.HighestVB = address;
   return address;
 }
 
-/// Writes the object into a block that was free before, and is again when that fails.
-void vbDatabase::FillReclaimed(const vbINT32& address, std::vector<char>& object) {
-  PutAddress(object, address);
+/// After a failed write: the block may be live already, with an object that nobody knows of, or it
+/// is still what it was, and `head` the head of the free list.
+void vbDatabase::FreeAgain(const vbINT32& address, const vbINT32& head) {
   try {
-    WriteWholeObject(address, object);
+    if (Delete(address + static_cast<long>(VBHeaderSize()), true)) return;
   } catch (...) {
-    try {
-      Delete(address, true);
-    } catch (...) {
-      // It is in the log; the first failure goes on.
-    }
-    throw;
+    // It is in the log; the first failure goes on.
   }
+  m_Header.FreeSpace = head;
 }
 
 /// Makes a block at the end of the file; 0 when the file would grow past its longest length. The
@@ -146,7 +141,13 @@ vbINT32 vbDatabase::Extend(unsigned long bytes, std::vector<char>* object) {
     const char last = 0;
     Write(&last, sizeof last, end - 1, false, true);
   }
-  FillBlock(address, bytes, object, small ? rest : 0);
+  try {
+    FillBlock(address, bytes, object, small ? rest : 0);
+  } catch (...) {
+    FreeAgain(address, m_Header.FreeSpace);
+    if (m_Header.EndOfFile > address) m_Header.HighestVB = address;
+    throw;
+  }
   m_Header.EndOfFile = end;
   m_Header.HighestVB = address;
   return address;

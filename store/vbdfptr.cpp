@@ -72,7 +72,9 @@ int vbdFPTRSync(vbdFPTR* f) {
 
 int vbdFPTRRead(vbdFPTR* f, void* buffer, unsigned int size) {
   if (IsNull(f)) return 1;
-  return std::fread(buffer, 1, size, f->Stream) == size ? 0 : 2;
+  if (std::fread(buffer, 1, size, f->Stream) == size) return 0;
+  std::clearerr(f->Stream);  // the next read tries again
+  return 2;
 }
 
 int vbdFPTRWrite(vbdFPTR* f, const void* buffer, unsigned int size) {
