@@ -5,7 +5,6 @@
 namespace {
 
 constexpr int kTask = 1;
-constexpr int kPoints = 24;
 
 // ---- The study ----
 
@@ -84,6 +83,10 @@ void Remove(const std::string&) {
   if (point.FindObject()) point.RemoveObject();
 }
 
+void TakeID(const std::string&) {
+  CDBCtrl(GetPOD()).GetInputID(true);
+}
+
 void RebuildFile(const std::string& base) {
   KFileRebuild(base + ".ksb");
 }
@@ -96,15 +99,16 @@ void RebuildIndex(const std::string& base) {
 
 const std::vector<Unit>& AllUnits() {
   static const std::vector<Unit> units{
-      {"create", false, false, true, Open, nullptr},
-      {"open", true, false, true, Open, nullptr},
-      {"add", true, true, true, Add, nullptr},
-      {"same-size-update", true, true, true, UpdateInPlace, nullptr},
-      {"larger-update", true, true, true, UpdateWithMore, nullptr},
-      {"remove", true, true, true, Remove, nullptr},
-      {"make-task", true, true, false, MakeTask, nullptr},
-      {"file-rebuild", true, false, true, RebuildFile, RebuildIndex},
-      {"index-rebuild", true, false, true, RebuildIndex, nullptr},
+      {"create", false, false, true, false, Open, nullptr},
+      {"open", true, false, true, false, Open, nullptr},
+      {"add", true, true, true, false, Add, nullptr},
+      {"same-size-update", true, true, true, false, UpdateInPlace, nullptr},
+      {"larger-update", true, true, true, false, UpdateWithMore, nullptr},
+      {"remove", true, true, true, false, Remove, nullptr},
+      {"take-id", true, true, false, true, TakeID, nullptr},
+      {"make-task", true, true, false, true, MakeTask, nullptr},
+      {"file-rebuild", true, false, true, false, RebuildFile, RebuildIndex},
+      {"index-rebuild", true, false, true, false, RebuildIndex, nullptr},
   };
   return units;
 }
@@ -116,7 +120,7 @@ const Unit& UnitNamed(const std::string& name) {
   throw std::invalid_argument("no unit " + name);
 }
 
-void PrepareStudy(const std::string& base) {
+void PrepareStudy(const std::string& base, int points) {
   OpenDatabase(base);
   DefineVariable(1, "width");
   DefineVariable(2, "height");
@@ -129,7 +133,7 @@ void PrepareStudy(const std::string& base) {
   ids.PutObject();
   DefineRun();
   MakeTask(base);
-  for (int number = 1; number <= kPoints; ++number) {
+  for (int number = 1; number <= points; ++number) {
     PutPoint(number, static_cast<std::size_t>(number), number);
   }
   CloseDatabase();

@@ -1,373 +1,308 @@
-// Disturbs units of work of the library at each of their system calls, a fresh process for each
-// case, and prints what became of the study.
+// Disturbs units of work of the library at each of their system calls and allocations, a fresh
+// process for each case, and prints what became of the study.
 //
-//   driver WORKER SHIM MOST [UNIT | FAULT]...
+//   driver [--jobs N] [--second WORKER] WORKER SHIM MOST [UNIT | FAULT]...
 //
 // MOST is the most cases for one unit and fault, evenly spread over its calls; 0 stands for all.
-// Without names of units, or of faults, all are run.
-
-#include <sys/wait.h>
-#include <unistd.h>
+// Without names of units, or of faults, all are run. A second worker, which the sanitizers watch,
+// does the unit of every second case, or the upkeep where the process that does the unit dies. N
+// cases are run at a time, as many as there are processors if not told.
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <csignal>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
-#include <filesystem>
-#include <fstream>
+#include <map>
+#include <mutex>
+#include <set>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
-#include "tests/fault/reliability/Endings.h"
+#include "tests/fault/reliability/Stage.h"
 #include "tests/support/TempFolder.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
-constexpr unsigned kSeconds = 10;
-constexpr std::size_t kMostTold = 50;
-constexpr int kNoStart = 127;
+constexpr int kPoints = 24;
 
-/// The fault kinds of shim.h; `counts` is the place of their calls in the shim's file.
+/// The places of the counts that a worker writes.
+enum Place : std::size_t { kAll, kData, kWrites, kReads, kAllocations, kStayed, kPlaces };
+
+/// The fault kinds of shim.h, and shortages of memory.
 struct FaultKind {
   const char* name;
-  std::size_t counts;
-  bool kills;
+  Place counts;  ///< what it may happen to
+  const char* words;
+
+  bool Kills() const { return name == std::string("kill") || name == std::string("torn"); }
+  bool IsShortage() const { return counts == kAllocations; }
 };
 
-constexpr std::array<FaultKind, 8> kFaults{{
-    {"kill", 0, true},
-    {"torn", 2, true},
-    {"eio", 0, false},
-    {"eio-ever", 1, false},
-    {"enospc", 2, false},
-    {"enospc-ever", 2, false},
-    {"short", 2, false},
-    {"short-ever", 2, false},
+constexpr std::array<FaultKind, 13> kFaults{{
+    {"kill", kAll, "process killed before a system call, then the upkeep"},
+    {"torn", kWrites, "process killed in the middle of a write, then the upkeep"},
+    {"eio", kAll, "input/output error at a system call, once"},
+    {"eio-ever", kData, "input/output errors from a system call on"},
+    {"enospc", kWrites, "disk full at a write, once"},
+    {"enospc-ever", kWrites, "disk full from a write on"},
+    {"short", kWrites, "short write, once"},
+    {"short-ever", kWrites, "short writes from a write on"},
+    {"short-read", kReads, "short read, once"},
+    {"short-read-ever", kReads, "short reads from a read on"},
+    {"eof", kReads, "unexpected end of file at a read, once"},
+    {"memory", kAllocations, "out of memory at an allocation, once"},
+    {"memory-ever", kAllocations, "out of memory from an allocation on"},
 }};
 
-constexpr std::array<const char*, 9> kUnits{"create",           "open",          "add",
-                                            "same-size-update", "larger-update", "remove",
-                                            "make-task",        "file-rebuild",  "index-rebuild"};
+constexpr std::array<const char*, 10> kUnits{
+    "create", "open",    "add",       "same-size-update", "larger-update",
+    "remove", "take-id", "make-task", "file-rebuild",     "index-rebuild"};
 
-using Settings = std::vector<std::pair<std::string, std::string>>;
-
-// ---- Processes ----
-
-struct Ended {
-  int code = 0;
-  int signal = 0;
-
-  bool Hung() const { return signal == SIGALRM; }
-};
-
-[[noreturn]] void Become(const std::vector<std::string>& command, const Settings& settings,
-                         const std::string& log) {
-  for (const auto& [name, value] : settings) setenv(name.c_str(), value.c_str(), 1);
-  if (std::freopen(log.c_str(), "a", stderr) == nullptr) _exit(kNoStart);
-  dup2(STDERR_FILENO, STDOUT_FILENO);
-  std::vector<char*> arguments;
-  for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
-  arguments.push_back(nullptr);
-  alarm(kSeconds);
-  execv(arguments[0], arguments.data());
-  _exit(kNoStart);
-}
-
-Ended RunProcess(const std::vector<std::string>& command, const Settings& settings,
-                 const std::string& log) {
-  std::fflush(stdout);
-  const pid_t child = fork();
-  if (child < 0) throw std::runtime_error("no process can be started");
-  if (child == 0) Become(command, settings, log);
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) throw std::runtime_error("a process is lost");
-  }
-  if (WIFSIGNALED(status)) return {0, WTERMSIG(status)};
-  return {WEXITSTATUS(status), 0};
-}
-
-// ---- Figures ----
-
-struct Figures {
-  long cases = 0;
-  long unchanged = 0;
-  long reported = 0;
-  long withUpkeep = 0;  ///< of those reported, where the study needed it
-  long badRetry = 0;    ///< of those reported, where going on without a check leads astray
-  long old = 0;
-  long fresh = 0;
-  long part = 0;
-  long torn = 0;
-  long lost = 0;
-  long refused = 0;
-  long wrong = 0;
-  long crashed = 0;
-  long hung = 0;
-
-  bool IsGood() const { return wrong + crashed + hung == 0; }
-};
-
-void PrintHead() {
-  std::printf("%-17s%-12s%6s%10s%9s%7s%6s%6s%6s%6s%6s%6s%8s%6s%6s%5s\n", "unit", "fault", "cases",
-              "unchanged", "reported", "upkeep", "retry", "old", "new", "part", "torn", "lost",
-              "refused", "wrong", "crash", "hang");
-}
-
-void Print(const std::string& unit, const std::string& fault, const Figures& of) {
-  std::printf("%-17s%-12s%6ld%10ld%9ld%7ld%6ld%6ld%6ld%6ld%6ld%6ld%8ld%6ld%6ld%5ld\n", unit.c_str(),
-              fault.c_str(), of.cases, of.unchanged, of.reported, of.withUpkeep, of.badRetry,
-              of.old, of.fresh, of.part, of.torn, of.lost, of.refused, of.wrong, of.crashed,
-              of.hung);
-  std::fflush(stdout);
-}
-
-// ---- The cases ----
-
-class Driver {
- public:
-  Driver(std::string worker, std::string shim, long most)
-      : worker_(std::move(worker)), shim_(std::move(shim)), most_(most) {}
-
-  void RunUnit(const std::string& unit, const std::vector<FaultKind>& faults);
-  bool IsGood() const { return good_; }
-  long Cases() const { return cases_; }
-
- private:
-  struct Case {
-    std::string unit;
-    const FaultKind& fault;
-    long number;
-  };
-
-  std::string Study() const { return folder_ / "prepared/s"; }
-  std::string CaseStudy() const { return folder_ / "case/s"; }
-  std::string Before(const std::string& unit) const { return folder_ / ("before." + unit); }
-  std::string After(const std::string& unit) const { return folder_ / ("after." + unit); }
-  std::string Log() const { return folder_ / "log"; }
-  std::vector<std::string> UnitCommand(const std::string& unit) const {
-    return {worker_, "run", unit, CaseStudy()};
-  }
-
-  void Require(const std::vector<std::string>& command, const Settings& settings = {});
-  void Provide(const std::string& unit);
-  std::array<long, 3> Calls(const std::string& unit);
-  Figures RunFault(const std::string& unit, const FaultKind& fault, long calls);
-  void RunCase(const Case& that, Figures& figures);
-  void Judge(const Case& that, const char* end, Figures& figures);
-  void Retry(const Case& that, Figures& figures);
-  bool Died(const Ended& ended, const Case& that, Figures& figures);
-  void CountVerdict(int verdict, const Case& that, Figures& figures);
-  void Wrong(const Case& that, const std::string& what);
-
-  TempFolder folder_;
-  std::string worker_;
-  std::string shim_;
-  long most_;
-  long cases_ = 0;
-  bool good_ = true;
-  std::size_t told_ = 0;
-};
-
-/// THROWS unless the command ends well.
-void Driver::Require(const std::vector<std::string>& command, const Settings& settings) {
-  const Ended ended = RunProcess(command, settings, Log());
-  if (ended.code == 0 && ended.signal == 0) return;
-  std::ifstream log(Log());
-  std::string line;
-  while (std::getline(log, line)) std::fprintf(stderr, "%s\n", line.c_str());
-  throw std::runtime_error("undisturbed, it fails: " + command.at(1) + ' ' + command.at(2));
-}
-
-/// A folder with the study in the state in which the unit finds it.
-void Driver::Provide(const std::string& unit) {
-  fs::remove_all(folder_ / "case");
-  fs::create_directory(folder_ / "case");
-  if (unit == "create") return;
-  for (const char* extension : {".ksb", ".kx"}) {
-    fs::copy_file(Study() + extension, CaseStudy() + extension);
-  }
-}
-
-/// Does the unit undisturbed, and keeps what the study holds before and after it.
-std::array<long, 3> Driver::Calls(const std::string& unit) {
-  if (!fs::exists(folder_ / "prepared")) {
-    fs::create_directory(folder_ / "prepared");
-    Require({worker_, "prepare", Study()});
-  }
-  Provide(unit);
-  Require({worker_, "snapshot", "open", CaseStudy(), Before(unit)});
-  Provide(unit);
-  const std::string counts = folder_ / "counts";
-  Require(UnitCommand(unit), {{"LD_PRELOAD", shim_}, {"KESTDB_FAULT_COUNTS", counts}});
-  Require({worker_, "snapshot", unit, CaseStudy(), After(unit)});
-  std::array<long, 3> calls{};
-  std::ifstream file(counts);
-  for (long& count : calls) file >> count;
-  if (!file || calls.back() == 0) throw std::runtime_error("the shim counts nothing");
-  return calls;
-}
-
-void Driver::RunUnit(const std::string& unit, const std::vector<FaultKind>& faults) {
-  const std::array<long, 3> calls = Calls(unit);
-  for (const FaultKind& fault : faults) {
-    const Figures figures = RunFault(unit, fault, calls[fault.counts]);
-    Print(unit, fault.name, figures);
-    good_ = good_ && figures.IsGood();
-    cases_ += figures.cases;
-  }
-}
-
-Figures Driver::RunFault(const std::string& unit, const FaultKind& fault, long calls) {
-  Figures figures;
-  const long cases = most_ == 0 ? calls : std::min(calls, most_);
-  for (long i = 0; i < cases; ++i) {
-    RunCase({unit, fault, 1 + i * calls / cases}, figures);
-  }
-  return figures;
-}
-
-void Driver::RunCase(const Case& that, Figures& figures) {
-  ++figures.cases;
-  std::ofstream(Log(), std::ios::trunc);
-  Provide(that.unit);
-  const std::string fault = that.fault.name + (':' + std::to_string(that.number));
-  const Ended ended =
-      RunProcess(UnitCommand(that.unit), {{"LD_PRELOAD", shim_}, {"KESTDB_FAULT", fault}}, Log());
-  if (that.fault.kills && ended.signal == SIGKILL) return Judge(that, "killed", figures);
-  if (Died(ended, that, figures)) return;
-  if (ended.code == kReported) {
-    ++figures.reported;
-    Retry(that, figures);
-    return Judge(that, "reported", figures);
-  }
-  if (ended.code == kDone && !that.fault.kills) return Judge(that, "done", figures);
-  ++figures.wrong;
-  Wrong(that, "the unit ended with code " + std::to_string(ended.code));
-}
-
-bool Driver::Died(const Ended& ended, const Case& that, Figures& figures) {
-  const bool isKnown = ended.code == kDone || ended.code >= kReported;
-  if (ended.signal == 0 && isKnown && ended.code < kWrongUse) return false;
-  ++(ended.Hung() ? figures.hung : figures.crashed);
-  Wrong(that, ended.Hung() ? "hang" : "crash");
-  return true;
-}
-
-/// Judges a copy of the study: how it fares with a user who takes no notice of the failure.
-void Driver::Retry(const Case& that, Figures& figures) {
-  fs::remove_all(folder_ / "copy");
-  fs::copy(folder_ / "case", folder_ / "copy");
-  const Ended ended = RunProcess({worker_, "judge", that.unit, folder_ / "copy/s",
-                                  Before(that.unit), After(that.unit), "retried"},
-                                 {}, Log());
-  if (Died(ended, that, figures) || ended.code != kWrong) return;
-  ++figures.badRetry;
-}
-
-void Driver::Judge(const Case& that, const char* end, Figures& figures) {
-  const Ended ended = RunProcess(
-      {worker_, "judge", that.unit, CaseStudy(), Before(that.unit), After(that.unit), end}, {},
-      Log());
-  if (Died(ended, that, figures)) return;
-  if (std::strcmp(end, "done") == 0) {
-    ++(ended.code == kNew ? figures.unchanged : figures.wrong);
-    if (ended.code != kNew)
-      Wrong(that, "no failure was reported, verdict " + std::to_string(ended.code));
-    return;
-  }
-  const bool withoutUpkeep = ended.code >= kOld + kWithoutUpkeep;
-  if (std::strcmp(end, "reported") == 0 && !withoutUpkeep) ++figures.withUpkeep;
-  CountVerdict(withoutUpkeep ? ended.code - kWithoutUpkeep : ended.code, that, figures);
-}
-
-/// A study that can't be opened has lost all that it held; only a new one held nothing.
-void Driver::CountVerdict(int verdict, const Case& that, Figures& figures) {
-  switch (verdict) {
-    case kOld:
-      ++figures.old;
-      return;
-    case kNew:
-      ++figures.fresh;
-      return;
-    case kPart:
-      ++figures.part;
-      return;
-    case kTorn:
-      ++figures.torn;
-      return;
-    case kLost:
-      ++figures.lost;
-      return;
-    default:
-      break;
-  }
-  if (verdict == kRefused && that.unit == "create") {
-    ++figures.refused;
-    return;
-  }
-  ++figures.wrong;
-  Wrong(that, "verdict " + std::to_string(verdict));
-}
-
-/// Tells how the case can be had again, and what the worker said at last.
-void Driver::Wrong(const Case& that, const std::string& what) {
-  if (++told_ > kMostTold) return;
-  std::printf("  %s %s:%ld: %s\n", that.unit.c_str(), that.fault.name, that.number, what.c_str());
-  std::ifstream log(Log());
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(log, line);) {
-    if (!line.empty()) lines.push_back(line);
-  }
-  const std::size_t first = lines.size() > 4 ? lines.size() - 4 : 0;
-  for (std::size_t i = first; i < lines.size(); ++i) std::printf("    %s\n", lines[i].c_str());
-}
-
-struct Selection {
+struct Options {
+  std::vector<std::string> workers;  ///< one or two
+  std::string shim;
+  long most = 0;
+  unsigned jobs = std::max(std::thread::hardware_concurrency(), 1U);
   std::vector<std::string> units;
   std::vector<FaultKind> faults;
 };
 
-void Select(const std::string& name, Selection& selection) {
+class Driver {
+ public:
+  explicit Driver(Options options);
+
+  void Run();
+  bool IsGood() const { return all_.IsGood(); }
+
+ private:
+  struct Case {
+    const std::string& unit;
+    const FaultKind& fault;
+    long number;
+    std::size_t worker;
+  };
+
+  /// Cases that are wrong in the same way.
+  struct Wrong {
+    std::set<long> numbers;
+    std::vector<std::string> lastWords;  ///< of one of them
+  };
+
+  void RunUnit(const std::string& unit);
+  void Rehearse(const std::string& unit);
+  std::vector<Case> Cases(const std::string& unit, const FaultKind& fault) const;
+  Figures RunCases(const std::vector<Case>& cases);
+  Outcome RunCase(const Case& that, Stage& stage) const;
+  Settings SettingsOf(const Case& that) const;
+  void Tell(const Case& that, const Outcome& outcome, const Stage& stage);
+  void PrintWrong() const;
+  void PrintCountersTable() const;
+
+  Options options_;
+  TempFolder folder_;
+  std::vector<Stage> stages_;             ///< by job
+  std::vector<Undisturbed> undisturbed_;  ///< of the unit, by worker
+  std::map<std::string, Figures> byFault_;
+  /// Unit, fault and figures, where counters are stored anew.
+  std::vector<std::tuple<std::string, std::string, Figures>> counters_;
+  Figures all_;
+  std::mutex mutex_;
+  std::map<std::string, Wrong> wrong_;  ///< by unit, fault and what it is
+};
+
+Driver::Driver(Options options) : options_(std::move(options)) {
+  const std::string study = folder_ / "prepared/s";
+  PrepareStudy(options_.workers.front(), study, kPoints, folder_ / "log");
+  for (unsigned i = 0; i < options_.jobs; ++i) {
+    stages_.emplace_back(folder_ / ("stage" + std::to_string(i)), study);
+  }
+}
+
+void Driver::Run() {
+  PrintHead();
+  for (const std::string& unit : options_.units) RunUnit(unit);
+  Print("all", "all", all_);
+  PrintCountersTable();
+  PrintWrong();
+  for (const FaultKind& fault : options_.faults) {
+    Summarize(std::string("units of work: ") + fault.words, byFault_[fault.name]);
+  }
+  std::printf("\n%ld cases: %s\n", all_.cases,
+              IsGood() ? "none silently wrong, no crash, no hang" : "there are faults");
+  if (all_.noMemory > 0) {
+    std::printf("%ld shortages of memory were reported by std::bad_alloc.\n", all_.noMemory);
+  }
+}
+
+void Driver::RunUnit(const std::string& unit) {
+  Rehearse(unit);
+  for (const FaultKind& fault : options_.faults) {
+    const Figures figures = RunCases(Cases(unit, fault));
+    Print(unit, fault.name, figures);
+    if (figures.HasCounters()) counters_.emplace_back(unit, fault.name, figures);
+    byFault_[fault.name].Add(figures);
+    all_.Add(figures);
+  }
+}
+
+/// By each worker, on a stage of its own.
+void Driver::Rehearse(const std::string& unit) {
+  Settings settings = SanitizerSettings(false);
+  settings.emplace_back("LD_PRELOAD", options_.shim);
+  undisturbed_.clear();
+  for (std::size_t i = 0; i < options_.workers.size(); ++i) {
+    Stage stage(folder_ / ("rehearsal" + std::to_string(i)), folder_ / "prepared/s");
+    undisturbed_.push_back(stage.Rehearse(options_.workers[i], unit, settings));
+    const std::vector<long>& counts = undisturbed_.back().counts;
+    if (counts.size() != kPlaces || counts[kWrites] == 0 || counts[kAllocations] == 0) {
+      throw std::runtime_error("nothing is counted");
+    }
+  }
+}
+
+std::vector<Driver::Case> Driver::Cases(const std::string& unit, const FaultKind& fault) const {
+  long calls = undisturbed_.front().counts[fault.counts];
+  for (const Undisturbed& of : undisturbed_) calls = std::min(calls, of.counts[fault.counts]);
+  const long count = options_.most == 0 ? calls : std::min(calls, options_.most);
+  std::vector<Case> cases;
+  for (long i = 0; i < count; ++i) {
+    const auto worker = static_cast<std::size_t>(i) % options_.workers.size();
+    cases.push_back({unit, fault, 1 + (2 * i + 1) * calls / (2 * count), worker});
+  }
+  return cases;
+}
+
+Figures Driver::RunCases(const std::vector<Case>& cases) {
+  Figures figures;
+  std::atomic<std::size_t> next = 0;
+  std::exception_ptr failure;
+  const auto work = [&](Stage& stage) {
+    try {
+      for (std::size_t i = next++; i < cases.size(); i = next++) {
+        const Outcome outcome = RunCase(cases[i], stage);
+        const std::lock_guard guard(mutex_);
+        figures.Count(outcome);
+        if (!outcome.IsGood()) Tell(cases[i], outcome, stage);
+      }
+    } catch (...) {
+      const std::lock_guard guard(mutex_);
+      failure = std::current_exception();
+    }
+  };
+  std::vector<std::thread> threads;
+  for (Stage& stage : stages_) threads.emplace_back(work, std::ref(stage));
+  for (std::thread& thread : threads) thread.join();
+  if (failure != nullptr) std::rethrow_exception(failure);
+  return figures;
+}
+
+Outcome Driver::RunCase(const Case& that, Stage& stage) const {
+  const std::string& usual = options_.workers.front();
+  const std::string& watched = options_.workers[that.worker];
+  const bool kills = that.fault.Kills();
+  stage.Provide(that.unit);
+  const Ended ended = stage.Run(kills ? usual : watched, that.unit, SettingsOf(that));
+  Outcome outcome = stage.Judge(kills ? watched : usual, that.unit, undisturbed_.front(), ended);
+  using End = Outcome::End;
+  if (kills != (outcome.end == End::Killed) && outcome.IsGood()) {
+    outcome.end = End::Wrong;
+    outcome.what = "the fault did not happen";
+  }
+  if (outcome.noMemory && !that.fault.IsShortage() && outcome.IsGood()) {
+    outcome.end = End::Wrong;
+    outcome.what = "std::bad_alloc where memory is not short";
+  }
+  return outcome;
+}
+
+/// Leaks can't be looked for where the shim is in the way; the allocations are counted there.
+Settings Driver::SettingsOf(const Case& that) const {
+  Settings settings = SanitizerSettings(that.fault.IsShortage());
+  if (!that.fault.IsShortage()) settings.emplace_back("LD_PRELOAD", options_.shim);
+  settings.emplace_back("KESTDB_FAULT", that.fault.name + (':' + std::to_string(that.number)));
+  const long stays = undisturbed_[that.fault.Kills() ? 0 : that.worker].counts[kStayed];
+  settings.emplace_back("KESTDB_FAULT_ALIVE", std::to_string(stays));
+  return settings;
+}
+
+/// Keeps how the case can be had again, and of the first of its kind what the worker said at last.
+void Driver::Tell(const Case& that, const Outcome& outcome, const Stage& stage) {
+  const std::string kind = that.unit + ' ' + that.fault.name + ": " + outcome.what;
+  Wrong& wrong = wrong_[kind];
+  if (wrong.numbers.empty()) wrong.lastWords = stage.LastWords();
+  wrong.numbers.insert(that.number);
+}
+
+void Driver::PrintWrong() const {
+  for (const auto& [kind, wrong] : wrong_) {
+    std::printf("\n%s, at", kind.c_str());
+    for (const long number : wrong.numbers) std::printf(" %ld", number);
+    std::puts("");
+    for (const std::string& line : wrong.lastWords) std::printf("    %s\n", line.c_str());
+  }
+}
+
+void Driver::PrintCountersTable() const {
+  if (counters_.empty()) return;
+  PrintCountersHead();
+  for (const auto& [unit, fault, figures] : counters_) PrintCounters(unit, fault, figures);
+}
+
+// ---- The command line ----
+
+void Select(const std::string& name, Options& options) {
   const auto isNamed = [&name](const FaultKind& fault) { return fault.name == name; };
   const auto* fault = std::find_if(kFaults.begin(), kFaults.end(), isNamed);
   if (fault != kFaults.end()) {
-    selection.faults.push_back(*fault);
+    options.faults.push_back(*fault);
   } else if (std::find(kUnits.begin(), kUnits.end(), name) != kUnits.end()) {
-    selection.units.push_back(name);
+    options.units.push_back(name);
   } else {
     throw std::invalid_argument("no unit and no fault " + name);
   }
 }
 
-int Drive(const std::vector<std::string>& arguments) {
-  if (arguments.size() < 3)
-    throw std::invalid_argument("driver WORKER SHIM MOST [UNIT | FAULT]...");
-  Selection selection;
-  for (std::size_t i = 3; i < arguments.size(); ++i) Select(arguments[i], selection);
-  if (selection.units.empty()) selection.units.assign(kUnits.begin(), kUnits.end());
-  if (selection.faults.empty()) selection.faults.assign(kFaults.begin(), kFaults.end());
-  Driver driver(arguments[0], arguments[1], std::stol(arguments[2]));
-  PrintHead();
-  for (const std::string& unit : selection.units) driver.RunUnit(unit, selection.faults);
-  std::printf("%ld cases: %s\n", driver.Cases(),
-              driver.IsGood() ? "none silently wrong, no crash, no hang" : "there are faults");
-  return driver.IsGood() ? EXIT_SUCCESS : EXIT_FAILURE;
+/// Takes an option and its value from the front of the arguments; empty when it isn't there.
+std::string Take(const std::string& name, std::vector<std::string>& arguments) {
+  if (arguments.size() < 2 || arguments.front() != name) return "";
+  const std::string value = arguments[1];
+  arguments.erase(arguments.begin(), arguments.begin() + 2);
+  return value;
+}
+
+Options Parse(std::vector<std::string> arguments) {
+  Options options;
+  const std::string jobs = Take("--jobs", arguments);
+  const std::string second = Take("--second", arguments);
+  if (!jobs.empty()) options.jobs = static_cast<unsigned>(std::max(std::stoi(jobs), 1));
+  if (arguments.size() < 3) {
+    throw std::invalid_argument(
+        "driver [--jobs N] [--second WORKER] WORKER "
+        "SHIM MOST [UNIT | FAULT]...");
+  }
+  options.workers.push_back(arguments[0]);
+  if (!second.empty()) options.workers.push_back(second);
+  options.shim = arguments[1];
+  options.most = std::stol(arguments[2]);
+  for (std::size_t i = 3; i < arguments.size(); ++i) Select(arguments[i], options);
+  if (options.units.empty()) options.units.assign(kUnits.begin(), kUnits.end());
+  if (options.faults.empty()) options.faults.assign(kFaults.begin(), kFaults.end());
+  return options;
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
   try {
-    return Drive({arguments + 1, arguments + count});
+    Driver driver(Parse({arguments + 1, arguments + count}));
+    driver.Run();
+    return driver.IsGood() ? EXIT_SUCCESS : EXIT_FAILURE;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "%s\n", failure.what());
     return EXIT_FAILURE;
