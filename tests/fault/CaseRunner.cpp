@@ -108,6 +108,28 @@ const char* EndingName(Ending ending) {
   return "not run";
 }
 
+void Count(SummaryRow& row, const CaseResult& result) {
+  switch (result.ending) {
+    case Ending::Clean:
+      ++row.unchanged;
+      break;
+    case Ending::Reported:
+      ++row.reported;
+      break;
+    case Ending::Silent:
+    case Ending::Failed:
+    case Ending::NotRun:
+      ++row.wrong;
+      break;
+    case Ending::Crashed:
+      ++row.crashed;
+      break;
+    case Ending::Hung:
+      ++row.hung;
+      break;
+  }
+}
+
 std::vector<CaseResult> RunCases(std::size_t count,
                                  const std::function<CaseResult(std::size_t)>& run) {
   SharedResults shared(count);

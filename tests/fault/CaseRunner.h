@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/fault/Summary.h"
+
 /// How a case ended, from the best to the worst.
 enum class Ending : std::uint8_t {
   Clean,     ///< everything was as stored
@@ -26,6 +28,9 @@ struct CaseResult {
   char note[94] = {};       ///< what was seen, for a reader
   char spread[16] = {};     ///< an object that was lost by writing into the damaged files
 };
+
+/// Counts the case in the row.
+void Count(SummaryRow& row, const CaseResult& result);
 
 /// Runs case 0 to `count` - 1, many in each child process, and gives their results in order. A
 /// case that crashes or takes more than a second of processor time ends its child alone, and is

@@ -274,11 +274,13 @@ class Figures {
 };
 
 void Judge(const std::vector<Damage>& damages, const std::vector<CaseResult>& results,
-           const FileMap& map) {
+           const FileMap& map, const std::string& title) {
   Figures figures;
+  SummaryRow row{title};
   std::size_t told = 0;
   for (std::size_t i = 0; i < damages.size(); ++i) {
     const CaseResult& result = results[i];
+    Count(row, result);
     if (result.ending <= Ending::Silent) {
       const bool cut = damages[i].turned == 0;
       figures.Add(static_cast<Salvage>(result.figure),
@@ -290,6 +292,7 @@ void Judge(const std::vector<Damage>& damages, const std::vector<CaseResult>& re
     }
   }
   figures.Print();
+  AppendSummary({row});
 }
 
 }  // namespace
@@ -315,5 +318,6 @@ void UpkeepAll(const EveryClassStudy& study, const std::vector<Damage>& damages,
   const Which file = damages.front().file;
   std::printf("%s file of %zu bytes, %s: %zu cases in %.1f s\n", FileName(file),
               BytesOf(study.Files(), file).size(), title.c_str(), damages.size(), took.count());
-  Judge(damages, results, MapOf(study.Files(), file));
+  Judge(damages, results, MapOf(study.Files(), file),
+        std::string(FileName(file)) + " file, " + title);
 }
