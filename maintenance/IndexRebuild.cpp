@@ -71,7 +71,7 @@ class Backup {
     if (made_) LPrint("The original file was renamed to %s\n", path_.c_str());
   }
 
-  /// THROWS CFileExists, CFileCreation, the failures of KStatus.
+  /// THROWS CFileExists, CFileCreation, CWrongFileType, the failures of KStatus.
   void Make();
   void Remove();
 
@@ -97,6 +97,7 @@ bool Backup::HasOriginal() const {
 
 void Backup::Make() {
   if (!HasOriginal()) return;
+  kestdb::RequireNoDataFile(indexPath_);
   if (vbDatabase::Exists(path_) && std::remove(path_.c_str()) != 0) {
     LError("%s already exists and could not be deleted. Backup could not be made.\n",
            path_.c_str());

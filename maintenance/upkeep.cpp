@@ -1,5 +1,6 @@
 #include "maintenance/upkeep.h"
 
+#include <cstdio>
 #include <utility>
 
 #include "environment/Logging.h"
@@ -101,6 +102,23 @@ void RequireCurrentRevision(vbDatabase& file, UpkeepRole role) {
     LPrint("       Please rebuild the data file and then rebuild the index file.\n");
   }
   Throw<CFileNotReady>();
+}
+
+void RequireNoDataFile(const std::string& path) {
+  // The first block of a data file follows its header, that of an index the headers of the trees.
+  struct {
+    vbFileHeader file;
+    vbFileLockHeader lock;
+    vbBlockHeader block;
+  } head;
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) return;
+  const bool whole = std::fread(&head, 1, sizeof head, file) == sizeof head;
+  std::fclose(file);
+  const bool isData = whole && head.file.HasKnownSignature() && head.block.CheckWord == vbCheckWord;
+  if (!isData) return;
+  LError("%s is no index file but a data file.\n", path.c_str());
+  Throw<CWrongFileType>();
 }
 
 }  // namespace kestdb

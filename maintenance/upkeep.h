@@ -81,6 +81,10 @@ enum class UpkeepRole { Checked, Data, Index };
 /// THROWS CFileNotReady, after it has told what to do, for a file of revision A.
 void RequireCurrentRevision(vbDatabase& file, UpkeepRole role);
 
+/// For a file in the place of an index that is about to be replaced. THROWS CWrongFileType for a
+/// sound data file, which may be all that is left of a study.
+void RequireNoDataFile(const std::string& path);
+
 /// KIndexRebuildCheck on the handles that `freshPod` gives.
 void RunIndexRebuildCheck(const std::string& name, bool rebuild, UpkeepStudy::FreshPod freshPod);
 

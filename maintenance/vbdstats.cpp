@@ -87,8 +87,16 @@ int CheckHeapStart(vbDatabase& db, const vbFileHeader& header) {
     return 0;
   }
   const vbUINT32 word = CheckWordAt(db, header.HeapStart);
-  return JudgeBlock(word == vbCheckWord || word == vbCheckWordOld, "Bad HeapStart value!\n",
-                    header.HeapStart);
+  const bool found = word == vbCheckWord || word == vbCheckWordOld;
+  // Nothing stands before the heap of a data file, trees before that of an index file.
+  const long behind = static_cast<long>(db.FileHeaderSize());
+  if (found && header.HeapStart > behind && CheckWordAt(db, behind) == word) {
+    LPrint("\n");
+    LError("Bad HeapStart value!\n");
+    LPrint("\tThere is a variable block before it, at file address: %d\n\n", ToInt(behind));
+    return 1;
+  }
+  return JudgeBlock(found, "Bad HeapStart value!\n", header.HeapStart);
 }
 
 int CheckEndOfFile(vbDatabase& db, const vbFileHeader& header) {
@@ -211,8 +219,11 @@ void PrintTotals(const Totals& totals, long fileSize) {
 /// Goes over all blocks, telling of the bad ones.
 void CountBlocks(vbDatabase& db, long first, bool perBlock, Totals& totals) {
   kestdb::BlockWalk walk(db);
+  const long last = db.GetHighestVB();
+  bool lastMet = false;
   const auto good = [&](const kestdb::FoundBlock& block) {
     totals.Add(block.header);
+    lastMet = lastMet || block.address == last;
     if (perBlock) VBStats(fKLog, &db, block.address);
     return static_cast<long>(block.header.Length);
   };
@@ -221,9 +232,15 @@ void CountBlocks(vbDatabase& db, long first, bool perBlock, Totals& totals) {
     LWarn("Found bad variable block at address %d\n", ToInt(address));
     LPrint("\tSearching for next good variable block...\n");
   };
-  if (walk.Run(first, good, bad)) return;
-  LPrint("None found!\n\n");
-  Throw<CFileCorrupt>();
+  if (!walk.Run(first, good, bad)) {
+    LPrint("None found!\n\n");
+    Throw<CFileCorrupt>();
+  }
+  // A wrong length takes a walk past blocks, and all seems well that comes behind them.
+  kestdb::FoundBlock block;
+  if (lastMet || totals.bad > 0 || last < first || !walk.Load(last, block)) return;
+  ++totals.bad;
+  LWarn("The last block, at address %d, was not met\n", ToInt(last));
 }
 
 }  // namespace

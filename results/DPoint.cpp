@@ -3,7 +3,9 @@
 #include "maintenance/Lock.h"
 #include "store/KestErr.h"
 #include "store/PersistentClassImpl.h"
+#include "store/pod.h"
 #include "store/podcheck.h"
+#include "store/vbdbase.h"
 #include "store/walk.h"
 
 template <>
@@ -39,6 +41,11 @@ void CDPoint::RemoveDPoints(POD* pod, int taskID, int firstPoint) try {
   CDPoint point(pod);
   point.m_nTaskID = taskID;
   point.m_nPointID = firstPoint;
-  kestdb::RemoveNumbered(point, &CDPoint::m_nPointID, &vbPersistent::GetObject);
+  // A key that leads to a freed block ends the removal, as the object that can't be removed.
+  const auto find = [pod](CDPoint& next) {
+    if (!next.FindObject()) return false;
+    return pod->DataFile()->IsFreed(next.ObjectAddress()) || next.GetObject();
+  };
+  kestdb::RemoveNumbered(point, &CDPoint::m_nPointID, find);
 }
 LOG_AND_RETHROW

@@ -23,6 +23,7 @@
 #include "maintenance/upgrade.h"
 #include "maintenance/upkeep.h"
 #include "store/KestErr.h"
+#include "store/indexrebuild.h"
 #include "store/layout.h"
 #include "store/pod.h"
 #include "store/vbdbase.h"
@@ -118,6 +119,7 @@ void RequireNoLostData(const Files& files, IndexMark& mark) {
 
 /// Removes an index that is void.
 void DropIndex(Files& files, IndexMark& mark) {
+  if (files.indexExists) kestdb::RequireNoDataFile(files.indexPath);
   if (files.indexExists && std::remove(files.indexPath.c_str()) != 0) {
     mark.Keep();
     Throw<CFileRemove>();
@@ -205,18 +207,47 @@ void CleanEquations(int version) {
 
 // ---- What every study holds ----
 
-/// Whether the study holds the object. A full disk may have left its key alone, or a block behind
-/// the end that the file header tells.
+/// Stores an object anew that lies behind the end that the file header tells, where others would
+/// write over it: so a disk that stays full may leave it.
+void BringBeforeTheEnd(vbPersistent& object) {
+  if (object.ObjectAddress() < pPOD->DataFile()->GetEOF()) return;
+  try {
+    object.ReadObject(-1);
+  } catch (const CKestErr&) {
+    return;  // it is in the log, and its readers will be told
+  }
+  object.PutObject();
+}
+
+/// Whether the study holds the object. A disk that stays full may leave its key alone.
 bool IsStored(vbPersistent& object) {
-  if (!object.FindObject()) return false;
-  vbDatabase& data = *pPOD->DataFile();
-  return object.ObjectAddress() < data.GetEOF() && !data.IsFreed(object.ObjectAddress());
+  if (!object.FindObject() || pPOD->DataFile()->IsFreed(object.ObjectAddress())) return false;
+  BringBeforeTheEnd(object);
+  return true;
+}
+
+/// Puts an object into the index that the index has lost. A second one beside it would keep every
+/// rebuild from its end. False where the data file has none that can be read.
+bool IsAdopted(vbPersistent& object) {
+  if (object.FindObject()) return false;
+  bool adopted = false;
+  kestdb::ForEachLiveObject(*pPOD->DataFile(), object.GetVBClassID(), [&](long address) {
+    if (adopted) return;
+    try {
+      object.ReadObject(address);
+    } catch (const CKestErr&) {
+      return;  // it is in the log, and a rebuild will leave it out
+    }
+    adopted = object.Add(address, object.GetVBClassID());
+  });
+  return adopted;
 }
 
 template <class Singleton>
 void MakeIfMissing() {
   Singleton object(pPOD);
-  if (!IsStored(object)) object.PutObject();
+  if (IsStored(object) || IsAdopted(object)) return;
+  Singleton(pPOD).PutObject();
 }
 
 /// The first ID behind those of all definitions of a kind.
@@ -230,7 +261,7 @@ long FreeID() {
 /// hand out IDs in use.
 void MakeCountersIfMissing() {
   CDBCtrl counters(pPOD);
-  if (IsStored(counters)) return;
+  if (IsStored(counters) || IsAdopted(counters)) return;
   counters.NextInputID = FreeID<CInput>();
   counters.NextRespID = FreeID<CResp>();
   counters.NextAuxID = FreeID<CAuxiliary>();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "store/api.h"
 #include "store/vbscalar.h"
@@ -30,6 +31,9 @@ class vbPersistentClass : public vbPersistent {
   /// THROWS CNullPtr, CNoIndex, CNoObjectsExist for a data file without blocks, CChecksum,
   /// CAddKey, CDuplicateEntry, CIndexError when the tree lacks a key.
   static int RebuildIndex(POD* pod, bool add);
+
+ protected:
+  std::vector<vbINT32> KeyWords() const override;
 };
 
 /// The class ID is a thousand for each class index, counted from 1.

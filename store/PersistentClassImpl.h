@@ -23,7 +23,8 @@ namespace kestdb {
 ///       static constexpr auto Fields = [](auto& file, auto& point) { file(point.m_nID, ...); };
 ///     };
 ///
-/// Keys are the fields that form the key text; a singleton has none (NoKeys). A function
+/// Keys are the fields that form the key text, and the first ones of the record; a singleton has
+/// none (NoKeys). A function
 /// `Complete(object, stored version)` may set what an older record lacks and no default serves for,
 /// and `OldestVersion` names the oldest version whose fields are known.
 template <class Class>
@@ -93,6 +94,15 @@ char* vbPersistentClass<Class>::MakeKey(char* buffer) {
         static_cast<std::size_t>(std::snprintf(buffer + length, size - length, "%11d", value));
   }
   return buffer;
+}
+
+template <class Class>
+std::vector<vbINT32> vbPersistentClass<Class>::KeyWords() const {
+  std::vector<vbINT32> words;
+  for (const auto field : kestdb::ClassOf<Class>::Keys) {
+    words.push_back(static_cast<const Class&>(*this).*field);
+  }
+  return words;
 }
 
 template <class Class>

@@ -14,10 +14,8 @@ namespace kestdb {
 
 namespace {
 
-/// Whether the block holds a live object of the class; its address goes to `body`.
-bool HoldsObject(BlockWalk& walk, const FoundBlock& block, long headerSize, long classID,
-                 long& body) {
-  body = block.address + headerSize;
+/// Whether the block holds a live object of the class, at `body`.
+bool HoldsObject(BlockWalk& walk, const FoundBlock& block, long body, long classID) {
   vbObjectHeader header;
   const char* bytes = walk.Window().At(body, sizeof header);
   if (block.header.StatusLetter() != vbNormalBlock || bytes == nullptr) return false;
@@ -45,30 +43,34 @@ bool ReadRecord(vbPersistent& object, long body) {
 
 }  // namespace
 
+void ForEachLiveObject(vbDatabase& data, long classID, const std::function<void(long)>& visit) {
+  BlockWalk walk(data);
+  const long headerSize = static_cast<long>(data.VBHeaderSize());
+  const auto good = [&](const FoundBlock& block) {
+    const long body = block.address + headerSize;
+    if (HoldsObject(walk, block, body, classID)) visit(body);
+    return static_cast<long>(block.header.Length);
+  };
+  walk.Run(data.FindFirstVB(0), good, [](long) {});
+}
+
 int RebuildIndexOf(vbPersistent& object, bool add) try {
   POD* pod = object.Database();
   RequireIndexed(pod);
   if (pod->IndexTable() == nullptr) Throw<CNullPtr>();
   const CLock lock(pod, 0);
   vbDatabase& data = *pod->DataFile();
-  const long first = data.FindFirstVB(0);
-  if (first == 0) Throw<CNoObjectsExist>();
+  if (data.FindFirstVB(0) == 0) Throw<CNoObjectsExist>();
 
-  const long headerSize = static_cast<long>(data.VBHeaderSize());
   const vbINT32 classID = object.GetVBClassID();
   int total = 0;
   int indexed = 0;
-  BlockWalk walk(data);
-  const auto visit = [&](const FoundBlock& block) {
-    long body;
-    if (HoldsObject(walk, block, headerSize, classID, body) && ReadRecord(object, body)) {
-      ++total;
-      if (add && !object.Add(body, classID)) Throw<CAddKey>();
-      if (add || object.Find(body, classID)) ++indexed;
-    }
-    return static_cast<long>(block.header.Length);
-  };
-  walk.Run(first, visit, [](long) {});
+  ForEachLiveObject(data, classID, [&](long body) {
+    if (!ReadRecord(object, body)) return;
+    ++total;
+    if (add && !object.Add(body, classID)) Throw<CAddKey>();
+    if (add || object.Find(body, classID)) ++indexed;
+  });
   if (indexed != total) Throw<CIndexError>();
   return total;
 }

@@ -329,6 +329,7 @@ class KESTDB_API vbDatabase {
   vbINT32 Extend(unsigned long bytes, std::vector<char>* object);
   bool MayBeShort() const;
   void FillBlock(long address, unsigned long bytes, std::vector<char>* object, unsigned long zeros);
+  bool HoldsLiveBlock(long address);
   void FreeAgain(const vbINT32& address, const vbINT32& head);
   void PutChecksum(const std::vector<char>& object, char* place) const;
 

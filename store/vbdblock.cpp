@@ -111,11 +111,21 @@ vbINT32 vbDatabase::MakeBlock(unsigned long size, vbDatabaseReclaimMethod method
   return address;
 }
 
+bool vbDatabase::HoldsLiveBlock(long address) {
+  vbBlockHeader header;
+  if (!Reaches(address + static_cast<long>(sizeof header))) return false;
+  ReadAt(&header, sizeof header, address);
+  return IsGoodBlock(header, address) && header.StatusLetter() == vbNormalBlock;
+}
+
 /// After a failed write: the block may be live already, with an object that nobody knows of, or it
 /// is still what it was, and `head` the head of the free list.
 void vbDatabase::FreeAgain(const vbINT32& address, const vbINT32& head) {
   try {
-    if (Delete(address + static_cast<long>(VBHeaderSize()), true)) return;
+    if (HoldsLiveBlock(address)) {
+      Delete(address + static_cast<long>(VBHeaderSize()), true);
+      return;
+    }
   } catch (...) {
     // It is in the log; the first failure goes on.
   }

@@ -155,6 +155,7 @@ vbPersistent::Freed vbPersistent::Free(vbINT32 address, vbINT32 classID, bool re
   KSBKey scratch;
   if (!FindKey(found, scratch, GetVBClassIndex(), true)) return Freed::NoKey;
   m_ObjectAddress = found.ObjectAddress;
+  RequireOwnObject(m_ObjectAddress);
   if (!Data().Delete(m_ObjectAddress, remove)) return Freed::NoLiveBlock;
   try {
     RemoveKey(key, scratch, GetVBClassIndex(), true);
@@ -163,6 +164,21 @@ vbPersistent::Freed vbPersistent::Free(vbINT32 address, vbINT32 classID, bool re
     PutBack(0, found.ObjectAddress);
     throw;
   }
+}
+
+/// An index that leads astray must not cost another object its block. What is damaged may go.
+void vbPersistent::RequireOwnObject(vbINT32 address) {
+  std::vector<char> object;
+  if (!Data().ReadWholeObject(address, object)) return;
+  const std::vector<vbINT32> words = KeyWords();
+  const std::size_t size = words.size() * sizeof(vbINT32);
+  vbObjectHeader header;
+  constexpr std::size_t place = sizeof header + sizeof(vbINT32);  // behind header and version
+  if (object.size() < place + size) Throw<CIndexError>();
+  std::memcpy(&header, object.data(), sizeof header);
+  const bool same = header.ClassID == GetVBClassID() &&
+                    (words.empty() || std::memcmp(object.data() + place, words.data(), size) == 0);
+  if (!same) Throw<CIndexError>();
 }
 
 // ---- Objects ----
@@ -177,9 +193,7 @@ bool vbPersistent::GetObject() try {
   const CLock lock(m_pDatabase, 0);
   const KSBKey wanted = RequireKey(0, 0);
   if (!Find(0, 0)) return false;
-  Read(m_ObjectAddress);
-  char text[kKeyLength];
-  if (std::strcmp(MakeKey(text), wanted.ObjectName) != 0) Throw<CIndexError>();
+  ReadByKey(KSBKey(wanted.ObjectName, m_ObjectAddress, 0));
   return true;
 }
 LOG_AND_RETHROW
@@ -188,6 +202,14 @@ void vbPersistent::ReadObject(vbINT32 address) try {
   const CLock lock(m_pDatabase, 0);
   if (address != -1) m_ObjectAddress = address;
   Read(m_ObjectAddress);
+}
+LOG_AND_RETHROW
+
+void vbPersistent::ReadByKey(const KSBKey& key) try {
+  ReadObject(key.ObjectAddress);
+  char text[kKeyLength];
+  const bool same = std::strncmp(MakeKey(text), key.ObjectName, kKeyLength) == 0;
+  if (!same || Data().IsFreed(key.ObjectAddress)) Throw<CIndexError>();
 }
 LOG_AND_RETHROW
 
@@ -257,13 +279,14 @@ void vbPersistent::RemoveDeadKey() {
 }
 
 /// After a failed update or removal: frees what there is of the new form and makes the old one live
-/// again, unless its block was taken. Another failure on the way is in the log; the first goes on.
+/// again, with its key. Where the new form took the old one's block, that gets the key. Another
+/// failure on the way is in the log; the first goes on.
 void vbPersistent::PutBack(vbINT32 newAddress, vbINT32 oldAddress) {
   m_ObjectAddress = oldAddress;
-  if (newAddress == oldAddress) return;
-  if (newAddress != 0) FreeQuietly(newAddress);
+  const bool taken = newAddress == oldAddress;
+  if (newAddress != 0 && !taken) FreeQuietly(newAddress);
   try {
-    if (!Data().Restore(oldAddress)) return;
+    if (!taken && !Data().Restore(oldAddress)) return;
     KSBKey key = RequireKey(oldAddress, GetVBClassID());
     KSBKey found = key;
     KSBKey scratch;

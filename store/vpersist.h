@@ -67,16 +67,18 @@ class KESTDB_API vbPersistent {
   // -- By key.
 
   bool FindObject();
-  /// Finds and reads. THROWS CIndexError when the index led to another object than was asked for.
+  /// Finds and reads. THROWS CIndexError when the index led to another object than was asked for,
+  /// or to a freed one.
   bool GetObject();
   /// With `check`, THROWS CObjectNotAdded for an object that is stored already. Returns true.
   bool WriteObject(bool check);
   /// Stores the object in the place of its old form, if there is one; returns true. When that
-  /// fails, the old form stays, unless its block was taken by the new one.
+  /// fails, the old form stays or, where its block was taken already, the new one.
   bool PutObject();
   /// The same for an object that has an old form; false, with nothing stored, when it has none.
   bool ReplaceObject();
-  /// The block can be undeleted, the key is gone.
+  /// The block can be undeleted, the key is gone. These and PutObject THROW CIndexError, with
+  /// nothing freed, when the index leads to another object.
   bool DeleteObject();
   bool RemoveObject();
 
@@ -84,6 +86,9 @@ class KESTDB_API vbPersistent {
 
   /// -1 reads at the address already held.
   void ReadObject(vbINT32 address);
+  /// Reads the object that an entry of the index leads to. THROWS CIndexError when that is another
+  /// or a freed one.
+  void ReadByKey(const KSBKey& key);
   vbINT32 FirstObject(vbINT32 offset);
   vbINT32 NextObject(vbINT32 address);
   vbINT32 PrevObject(vbINT32 address);
@@ -120,6 +125,8 @@ class KESTDB_API vbPersistent {
   /// Stores `record`, the version word and the fields, in a new block and adds the key.
   bool WriteRecord(std::span<const char> record);
   void Attach(vbINT32 address) { m_ObjectAddress = address; }
+  /// The words of the key, which every record has right behind its version.
+  virtual std::vector<vbINT32> KeyWords() const = 0;
   /// THROWS CInvalidType for a record that is older than any version whose fields are known.
   void RequireVersion(long stored, int oldest, vbINT32 address);
 
@@ -130,6 +137,7 @@ class KESTDB_API vbPersistent {
   enum class Freed { Yes, NoKey, NoLiveBlock };
   Freed Free(vbINT32 address, vbINT32 classID, bool remove);
   Freed Replace();
+  void RequireOwnObject(vbINT32 address);
   void RequireRoomForUpdate();
   void RemoveDeadKey();
   void PutBack(vbINT32 newAddress, vbINT32 oldAddress);

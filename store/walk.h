@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <vector>
 
@@ -50,12 +51,13 @@ void VisitKeys(POD* pod, Visit visit) {
   }
 }
 
-/// Visits the objects in the order of their keys, until `visit(object)` returns false.
+/// Visits the objects in the order of their keys, until `visit(object)` returns false. THROWS
+/// CIndexError for a key that leads to another object, or to a freed one.
 template <class Class, class Visit>
 void VisitInIndexOrder(POD* pod, Visit visit) {
   VisitKeys<Class>(pod, [&](const KSBKey& key) {
     Class object(pod);
-    object.ReadObject(key.ObjectAddress);
+    object.ReadByKey(key);
     return visit(object);
   });
 }
@@ -119,10 +121,10 @@ void RemoveAllBut(POD* pod, const std::vector<int>& ids) {
 
 /// Removes the objects whose keys differ in `number` alone, from the number that `object` holds up
 /// to the first that `find` doesn't find. Whether there was any. THROWS CObjectNotRemoved.
-template <class Class>
-bool RemoveNumbered(Class& object, vbINT32 Class::*number, bool (vbPersistent::*find)()) {
+template <class Class, class Find>
+bool RemoveNumbered(Class& object, vbINT32 Class::*number, Find find) {
   bool removed = false;
-  while ((object.*find)()) {
+  while (std::invoke(find, object)) {
     if (!object.RemoveObject()) Throw<CObjectNotRemoved>();
     removed = true;
     if (object.*number == std::numeric_limits<std::int32_t>::max()) break;
