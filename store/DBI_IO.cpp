@@ -240,6 +240,7 @@ bool IsAdopted(vbPersistent& object) {
     }
     adopted = object.Add(address, object.GetVBClassID());
   });
+  if (adopted) BringBeforeTheEnd(object);
   return adopted;
 }
 

@@ -246,7 +246,7 @@ void vbDatabase::Write(const void* buffer, unsigned long size, vbINT32 address, 
   }
   if (start < static_cast<long>(m_Front.size())) {
     const auto place = static_cast<std::size_t>(long{start});
-    std::memcpy(m_Front.data() + place, buffer, std::min(size, m_Front.size() - place));
+    std::memmove(m_Front.data() + place, buffer, std::min(size, m_Front.size() - place));
   }
 }
 LOG_AND_RETHROW
@@ -317,10 +317,10 @@ void vbDatabase::WriteFront(const void* bytes, unsigned long size, vbINT32 addre
     return WriteFileHdr();
   }
   const auto place = static_cast<std::size_t>(long{address});
-  std::vector<char> image(m_Front.data(), m_Front.data() + place + size);
-  std::memcpy(image.data(), &m_Header, sizeof m_Header);
-  std::memcpy(image.data() + place, bytes, size);
-  Write(image.data(), image.size(), vbStartOfFile, false, true);
+  std::memcpy(m_Front.data(), &m_Header, sizeof m_Header);
+  std::memcpy(m_Front.data() + place, bytes, size);
+  // In place: where memory runs out here, the key of an insertion would stay without its object.
+  Write(m_Front.data(), place + size, vbStartOfFile, false, true);
 }
 LOG_AND_RETHROW
 
