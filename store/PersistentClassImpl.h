@@ -24,9 +24,8 @@ namespace kestdb {
 ///     };
 ///
 /// Keys are the fields that form the key text, and the first ones of the record; a singleton has
-/// none (NoKeys). A function
-/// `Complete(object, stored version)` may set what an older record lacks and no default serves for,
-/// and `OldestVersion` names the oldest version whose fields are known.
+/// none (NoKeys). A function `Complete(object, stored version)` may set what an older record lacks
+/// and no default serves for, and `OldestVersion` names the oldest version whose fields are known.
 template <class Class>
 struct ClassOf;
 

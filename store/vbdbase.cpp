@@ -79,8 +79,8 @@ void vbDatabase::Create(const std::string& path, vbINT32 staticSize, signed char
 }
 LOG_AND_RETHROW
 
-/// Sizes the buffer of the stream, which has not been used yet. It keeps four bytes, not none: with
-/// those alone the stream would count as unbuffered.
+/// Sizes the buffer of the stream, which has not been used yet. Four bytes, not none: only what is
+/// asked for by KEST_NOIOBUF counts as unbuffered.
 void vbDatabase::SetBuffer() {
   if (!m_bWholeTransfers || isNoBufSet) return;
   std::setvbuf(m_pFile->Stream, m_SmallBuffer, _IOFBF, sizeof m_SmallBuffer);
