@@ -18,6 +18,7 @@
 #include "store/KestErr.h"
 #include "store/pod.h"
 #include "tests/fault/LargestRequest.h"
+#include "tests/fault/LogStream.h"
 #include "tests/fault/QuickEnvironment.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/StoredRecord.h"
@@ -27,27 +28,9 @@ namespace {
 constexpr std::size_t kMostExtraMemory = 1 << 20;
 constexpr std::size_t kMostTold = 40;
 
-/// What is printed to the log stream while one lives.
-class LogStream {
- public:
-  LogStream() { fKLog = open_memstream(&text_, &size_); }
-  LogStream(const LogStream&) = delete;
-  LogStream& operator=(const LogStream&) = delete;
-  ~LogStream() {
-    std::fclose(fKLog);
-    fKLog = old_;
-    std::free(text_);
-  }
-  bool TellsOfErrors() const {
-    std::fflush(fKLog);
-    return std::strstr(text_, "ERROR:") != nullptr;
-  }
-
- private:
-  std::FILE* old_ = fKLog;
-  char* text_ = nullptr;
-  std::size_t size_ = 0;
-};
+bool TellsOfErrors(const LogStream& log) {
+  return log.Text().find("ERROR:") != std::string::npos;
+}
 
 const char* NameOf(Salvage salvage) {
   switch (salvage) {
@@ -110,7 +93,7 @@ bool Upkeep::Try(Step step) {
     Fail(std::string("an exception of another family: ") + error.what());
   }
   faults_ += LoggedFaults() - before;
-  if (log.TellsOfErrors()) ++faults_;
+  if (TellsOfErrors(log)) ++faults_;
   return ended;
 }
 

@@ -1,4 +1,5 @@
 #include "tests/fault/pairs/Course.h"
+#include "tests/fault/LogStream.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -36,34 +37,16 @@ void SetText(char* text, const std::string& value) {
   if (text[0] == '\0') value.copy(text, Findings::kText - 1);
 }
 
-/// What is printed to the log stream while one lives.
-class LogStream {
- public:
-  LogStream() { fKLog = open_memstream(&text_, &size_); }
-  LogStream(const LogStream&) = delete;
-  LogStream& operator=(const LogStream&) = delete;
-  ~LogStream() {
-    std::fclose(fKLog);
-    fKLog = old_;
-    std::free(text_);
+/// A checksum that disagrees means something in a live block alone.
+bool TellsOfErrors(const LogStream& log) {
+  std::istringstream lines(log.Text());
+  bool live = true;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("Status ")) live = line.ends_with("N");
+    if (line.starts_with("ERROR:") && live) return true;
   }
-  /// A checksum that disagrees means something in a live block alone.
-  bool TellsOfErrors() const {
-    std::fflush(fKLog);
-    std::istringstream lines(text_);
-    bool live = true;
-    for (std::string line; std::getline(lines, line);) {
-      if (line.starts_with("Status ")) live = line.ends_with("N");
-      if (line.starts_with("ERROR:") && live) return true;
-    }
-    return false;
-  }
-
- private:
-  std::FILE* old_ = fKLog;
-  char* text_ = nullptr;
-  std::size_t size_ = 0;
-};
+  return false;
+}
 
 }  // namespace
 
@@ -109,7 +92,7 @@ bool Course::Try(Step step, char* text) {
     findings_.told = true;
     SetText(text, failure.what());
   }
-  if (LoggedFaults() != before || log.TellsOfErrors()) {
+  if (LoggedFaults() != before || TellsOfErrors(log)) {
     findings_.told = true;
     SetText(text, "told in the log");
   }
