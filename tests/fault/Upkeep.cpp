@@ -17,15 +17,14 @@
 #include "store/DBI_IO.h"
 #include "store/KestErr.h"
 #include "store/pod.h"
-#include "tests/fault/LargestRequest.h"
 #include "tests/fault/LogStream.h"
 #include "tests/fault/QuickEnvironment.h"
+#include "tests/fault/Traces.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/StoredRecord.h"
 
 namespace {
 
-constexpr std::size_t kMostExtraMemory = 1 << 20;
 constexpr std::size_t kMostTold = 40;
 
 bool TellsOfErrors(const LogStream& log) {
@@ -58,7 +57,7 @@ Upkeep::Upkeep(std::string base, const EveryClassStudy& study, const Damage& dam
     : base_(std::move(base)), dataPath_(base_ + ".ksb"), study_(study), damage_(damage) {}
 
 CaseResult Upkeep::Run() {
-  ForgetRequests();
+  const Traces traces(base_, study_.Files().data.size() + study_.Files().index.size());
   Check();
   bool rebuilt = true;
   if (damage_.file == Which::Data) {
@@ -74,7 +73,7 @@ CaseResult Upkeep::Run() {
     if (!refused_) wrongly_ = "all";
   }
   Close();
-  CheckTraces();
+  if (const std::string left = traces.Left(); !left.empty()) Fail(left);
   return Verdict();
 }
 
@@ -197,14 +196,6 @@ void Upkeep::Close() {
 }
 
 // ---- The verdict ----
-
-void Upkeep::CheckTraces() {
-  const std::size_t most = study_.Files().data.size() + study_.Files().index.size();
-  if (LargestRequest() > most + kMostExtraMemory) {
-    Fail("a request for " + std::to_string(LargestRequest()) + " bytes of memory");
-  }
-  if (std::filesystem::exists(base_ + ".lck")) Fail("the lock is left behind");
-}
 
 CaseResult Upkeep::Verdict() const {
   CaseResult result;

@@ -49,7 +49,6 @@ class Upkeep {
   bool IsAsStored(Read& read, const StoredObject& stored);
   bool IsItselfDamaged(const StoredObject& object) const;
   void Close();
-  void CheckTraces();
   CaseResult Verdict() const;
 
   std::string base_;

@@ -1,8 +1,5 @@
 #include "tests/fault/Visit.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -17,12 +14,10 @@
 #include "store/pod.h"
 #include "store/vbdbase.h"
 #include "tests/fault/FileMap.h"
-#include "tests/fault/LargestRequest.h"
 #include "tests/support/Bytes.h"
 
 namespace {
 
-constexpr std::size_t kMostExtraMemory = 1 << 20;
 constexpr std::size_t kMostGrowth = 1 << 16;
 constexpr std::size_t kMostSteps = 5000;  // of a walk through some fifty objects
 
@@ -52,13 +47,6 @@ bool IsRemoved(const KnownObject& object) {
                      [&](const KnownObject& removed) { return IsKey(removed, object); });
 }
 
-/// The number that the next file opened gets.
-int LowestHandle() {
-  const int handle = open("/dev/null", O_RDONLY);
-  close(handle);
-  return handle;
-}
-
 std::size_t SizeOf(const std::string& path) {
   std::error_code none;
   const auto size = std::filesystem::file_size(path, none);
@@ -86,8 +74,7 @@ Visit::Visit(std::string base, const std::vector<KnownObject>& objects,
 CaseResult Visit::Run() {
   dataSize_ = SizeOf(base_ + ".ksb");
   indexSize_ = SizeOf(base_ + ".kx");
-  lowestHandle_ = LowestHandle();
-  ForgetRequests();
+  const Traces traces(base_, std::max(dataSize_, indexSize_));
   const bool upgraded = IsOfAnotherVersion();
   Try([this] { OpenDatabase(base_); });
   if (IsOpen() && upgraded) {
@@ -99,7 +86,7 @@ CaseResult Visit::Run() {
     TryLocked([this] { ReadAgain(); });
   }
   Close();
-  CheckTraces();
+  CheckTraces(traces);
   return Verdict();
 }
 
@@ -352,13 +339,8 @@ void Visit::Close() {
 
 // ---- The verdict ----
 
-void Visit::CheckTraces() {
-  const std::size_t most = std::max(dataSize_, indexSize_) + kMostExtraMemory;
-  if (LargestRequest() > most) {
-    Fail("a request for " + std::to_string(LargestRequest()) + " bytes of memory");
-  }
-  if (std::filesystem::exists(base_ + ".lck")) Fail("the lock is left behind");
-  if (LowestHandle() != lowestHandle_) Fail("a stream is left open");
+void Visit::CheckTraces(const Traces& traces) {
+  if (const std::string left = traces.Left(); !left.empty()) Fail(left);
   if (SizeOf(base_ + ".ksb") > dataSize_ + kMostGrowth ||
       SizeOf(base_ + ".kx") > indexSize_ + kMostGrowth) {
     Fail("a file grew to " +

@@ -6,6 +6,7 @@
 
 #include "tests/fault/CaseRunner.h"
 #include "tests/fault/KnownObjects.h"
+#include "tests/fault/Traces.h"
 
 /// One use of a study whose files may be damaged, and the verdict on it.
 class Visit {
@@ -47,7 +48,7 @@ class Visit {
   void Remove(const KnownObject& object);
   void Close();
 
-  void CheckTraces();
+  void CheckTraces(const Traces& traces);
   bool IsExempt(const KnownObject& object) const;
   std::vector<long> AddressesOf(Kind kind) const;
   CaseResult Verdict() const;
@@ -58,7 +59,6 @@ class Visit {
   long changed_;
   std::size_t dataSize_ = 0;
   std::size_t indexSize_ = 0;
-  int lowestHandle_ = -1;
 
   std::vector<Found> first_;  // what came of reading each object
   int exceptions_ = 0;

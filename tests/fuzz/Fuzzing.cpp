@@ -1,13 +1,10 @@
 #include "tests/fuzz/Fuzzing.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdio>
 
 #include "store/assertion.h"
-#include "tests/fault/LargestRequest.h"
+#include "tests/fault/Traces.h"
 
 // Only the fuzzer has it.
 extern "C" [[gnu::weak]] std::size_t LLVMFuzzerMutate(std::uint8_t*, std::size_t, std::size_t);
@@ -24,15 +21,6 @@ struct Tally {
   long whole = 0;
   long reported = 0;
 } tally;
-
-constexpr std::size_t kMostExtraMemory = 1 << 20;
-
-/// The number that the next file opened gets.
-int LowestHandle() {
-  const int handle = open("/dev/null", O_RDONLY);
-  close(handle);
-  return handle;
-}
 
 }  // namespace
 

@@ -1,9 +1,7 @@
 #include "tests/fault/pairs/PairRun.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -12,22 +10,12 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tests/fault/LargestRequest.h"
 #include "tests/support/Bytes.h"
 #include "tests/support/TempFolder.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::size_t kMostExtraMemory = 1 << 20;
-
-/// The number that the next file opened gets.
-int LowestHandle() {
-  const int handle = open("/dev/null", O_RDONLY);
-  close(handle);
-  return handle;
-}
 
 /// Findings in memory that parent and children share.
 class SharedFindings {
@@ -65,20 +53,6 @@ std::vector<Findings> RunWithFindings(
     }
   });
   return {shared.All(), shared.All() + count};
-}
-
-Traces::Traces(std::string base, std::size_t fileSizes)
-    : base_(std::move(base)), most_(fileSizes + kMostExtraMemory), handle_(LowestHandle()) {
-  ForgetRequests();
-}
-
-std::string Traces::Left() const {
-  if (LargestRequest() > most_) {
-    return "a request for " + std::to_string(LargestRequest()) + " bytes of memory";
-  }
-  if (fs::exists(base_ + ".lck")) return "the lock is left behind";
-  if (LowestHandle() != handle_) return "a stream is left open";
-  return "";
 }
 
 // ---- One pair ----

@@ -6,6 +6,7 @@
 
 #include "tests/fault/HostileStudy.h"
 #include "tests/fault/Summary.h"
+#include "tests/fault/Traces.h"
 #include "tests/fault/pairs/Course.h"
 
 /// The two files of a study, as they are found.
@@ -33,20 +34,6 @@ Outcome TakeCourses(const std::string& kind, const std::string& variant, const P
 std::vector<Findings> RunWithFindings(
     std::size_t count, const std::function<CaseResult(std::size_t, Findings&)>& steps,
     std::vector<CaseResult>& results);
-
-/// What a course has left behind: open streams, a lock, a request for much more memory than the
-/// files justify. Made before it.
-class Traces {
- public:
-  Traces(std::string base, std::size_t fileSizes);
-  /// Nothing for none.
-  std::string Left() const;
-
- private:
-  std::string base_;
-  std::size_t most_;
-  int handle_;
-};
 
 /// Prints the tables, and appends a row for each kind to the summary.
 void PrintCourses();
